@@ -1,0 +1,38 @@
+// The one place where blocks and records are read and written.
+//
+// Plain pread and pwrite, on every file system. A 512-byte write is not atomic against a reader, so
+// a re-read that equals what the reader already had is whole, and any other is read again until two
+// reads agree. A table's file is opened once a process: handles share descriptors through a registry
+// of device and inode, because a close of any descriptor of a file drops all the process's locks on
+// it. Tests may count, tear and stop transfers through io_proef.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// Opens read-write, or gives another use of a descriptor that the process has on the same file.
+/// `maken`: create with 0660 when absent. -1 with errno.
+int io_open(const char* pad, bool maken);
+/// Gives a use up; the descriptor closes with its last use.
+void io_close(int fd) noexcept;
+/// True while the process has the file of `pad` open through io_open; its descriptor in *fd.
+bool io_bekend(const char* pad, int* fd) noexcept;
+
+/// Bytes read, short at the end of file; -1 with errno. EINTR is retried.
+int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept;
+/// As io_lees, for 512-byte blocks that another process may be writing: two reads agree.
+/// `oud` is what the caller last saw there, or null.
+int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud) noexcept;
+/// Bytes written; callers do not test it. EINTR and short writes go on.
+int64_t io_schrijf(int fd, const void* buffer, size_t n, int64_t offset) noexcept;
+int64_t io_grootte(int fd) noexcept;
+
+/// What a test may put between the engine and the file; all null in a program.
+struct IoProef {
+  void (*voor_schrijf)(int fd, int64_t offset, size_t n);
+  void (*na_lees)(int fd, void* buffer, size_t n, int64_t offset);
+  uint64_t gelezen, geschreven;  // calls so far
+  uint64_t bytes_gelezen;
+};
+extern IoProef io_proef;
