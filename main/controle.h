@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "isam/ix.h"
 #include "main/iotab.h"
 
 inline constexpr const char* RELEASE = "8.70 ";
@@ -88,5 +89,5 @@ void ctl_log(const char* pad, int inspringen, const char* tekst);
 // Fatal reporters: none returns. Module is the caller's name.
 [[noreturn]] void ctl_nomem(const char* module, int nr);
 [[noreturn]] void ctl_noopen(const char* module, const char* bestand);
-[[noreturn]] void ctl_badkey(const char* module, int huidig, int gevraagd, const char* bestand);
+[[noreturn]] void ctl_badkey(const char* module, const ICB* icb, int gevraagd);
 [[noreturn]] void ctl_fault(const char* module, int code);
