@@ -1,0 +1,18 @@
+// The balance of provisional orders: the pass over DTPICK, the totals, the report, the top menu.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+/// Bit 0: provisional lines exist; bit 1: definitive ones. Stops when both were seen.
+int dtpick_soorten();
+void top_menu();
+void saldo_afdrukken();  // "Selectie en afdrukken"
+/// Modes 1 provisional of the selection, 2 made definitive, 5 lines of the selected order.
+void saldo_bouw(int mode);
+extern uint32_t saldo_opdrachtnr;
+extern bool saldo_splits;  // per receiving branch
+extern char saldo_sort[11];
+
+/// Unattended: all series, session 99, report lines to `uit`. False when function 10 is held.
+bool saldo_onbewaakt(FILE* uit);

@@ -1,0 +1,12 @@
+// Order numbers 2NNNNNNc: a 2, six digits of a counter, the check digit of an EAN-8 code.
+#pragma once
+
+#include <cstdint>
+
+uint32_t opdrnr_nieuw();
+uint32_t opdrnr_cijfer(uint32_t teller);
+bool opdrnr_ok(const char* tekst);
+/// Rewrites the typed text to eight digits; false when it is no order number.
+bool opdrnr_norm(char* tekst);
+/// Input; 0 for empty. False when the operator left.
+bool opdrnr_ingave(int row, int col, uint32_t* nummer);
