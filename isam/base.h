@@ -88,13 +88,15 @@ bool file_move(const char* van, const char* naar, bool vervang);
 /// hoe > 0 appends, 0 replaces, < 0 requires `naar` to be new. True when all was copied.
 bool file_copy(const char* van, const char* naar, int hoe);
 /// A fresh name, reserved and removed again: prefix of up to four characters, AA to ZZ, two digits.
-/// Empty on errors. A static buffer.
-const char* file_temp(const char* map, const char* prefix, int start = -1);
+/// Digits start at the process number modulo 100, or at the absolute value of a negative `start`.
+/// The bare name, in a static buffer; empty on errors.
+const char* file_temp(const char* map, const char* prefix, int start = 0);
 size_t buf_alloc(void** buffer, size_t laag, size_t hoog);
 /// A line of up to grootte - 1 characters; false at the end or when it filled the size exactly.
 bool file_line(FILE* bestand, char* buffer, int grootte);
-/// Walks entries: 'O' opens on a pattern ('*', '?' in the last part), 'N' gives the next name or
-/// null, 'C' ends. Nests three deep.
+/// Walks entries: 'O' opens on a pattern ('*', '?' in the last part, or scanf's "%*d" and the like),
+/// 'N' gives the next name with the pattern's directory in front, or null, 'C' ends. Nests three
+/// deep; a fourth 'O' gives null.
 const char* DIRECTORY(char actie, const char* patroon, bool recursief);
 bool wild_past(const char* patroon, const char* naam) noexcept;
 
