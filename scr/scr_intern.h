@@ -25,8 +25,8 @@ void scr_ververs();
 void* win_nu();
 /// Marks every window above the base for repaint, so that base text slides under them.
 void win_bovenop();
-/// Row and column on the terminal, from 1, of a cell of the current window.
-void scr_plaats(int row, int col, int* scherm_row, int* scherm_col);
+/// Screen row and column (1-based) of cell (1,1) of the current window, inside its border.
+void win_hoek(int* row, int* col);
 /// Where the cursor of the current window stands, as scr_move counts.
 void scr_waar(int* row, int* col);
 /// Adds bytes of code page 850 to a WINDOW* at its cursor, one cell a byte.
@@ -45,8 +45,9 @@ struct OpBasis {
 /// One decoded key read on a WINDOW*; waits when `ms` is negative, else that long at most (-1: none).
 /// A terminal that is gone ends the program.
 int toets_lees(void* window, int ms);
-/// First byte of what the terminal sends for TOETS_CANCEL, TOETS_EXIT or TOETS_HELP; 0 for none.
-int term_toets_byte(int key);
+/// First byte of the terminal's own string for key 355 (kcan), 361 (kext) or 363 (khlp); 0 when the
+/// terminal has none.
+int toets_eerste_byte(int key);
 /// Teaches the current terminal both forms of the cursor keys, Home, End and F1 to F4.
 void toets_leer();
 /// Forgets pushed-back keys.
