@@ -14,6 +14,7 @@ bool lees_klant(ICB*, DtKlt* buffer, uint32_t nummer);
 /// The series of that number, always read; through a table or a private index with the key "AKV".
 bool lees_serie(ICB*, DtSer* buffer, const Serienr& nr);
 /// Code of up to 13 characters; 13 digits with a leading 0 are also tried as the twelve behind it.
+/// After a failed read the buffer holds only the code that was asked for.
 bool lees_ean(ICB*, DtEan* buffer, std::string_view code);
 /// The size code (type 'M') of a series and size index.
 bool lees_ean_maat(ICB*, DtEan* buffer, const Serienr& nr, uint8_t maat);
