@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
   if (argc == 5) {
     ctl_start("hoofdmnu", BOUWDATUM, argc, argv);
   } else {
-    opstart_venster(argv);
+    opstart_venster(keuze);
     meld_aan(keuze, argc, argv);
   }
   hdr_title(veld_tekst(sys_rec1.bedrijf, sizeof sys_rec1.bedrijf).c_str());

@@ -37,10 +37,10 @@ bool ja() {
 }
 
 /// The frame: a terminal of exactly the size that the screens are drawn for.
-[[noreturn]] void in_tmux(char** argv) {
+[[noreturn]] void in_tmux(int keuze) {
   std::string pad = eigen_map() + "/hoofdmnu";
   std::string opdracht = "exec '" + pad + "'";
-  for (char** a = argv + 1; *a != nullptr; ++a) opdracht += std::string(" '") + *a + "'";
+  if (keuze > 0) opdracht += " -t " + std::to_string(keuze);
   execlp("tmux", "tmux", "-L", "winkel", "new", "-x", "80", "-y", "25", opdracht.c_str(), ";",
          "set", "status", "off", ";", "set", "-w", "window-size", "manual", ";", "resize-window",
          "-x", "80", "-y", "25", ";", "set", "-s", "escape-time", "25",
@@ -66,9 +66,9 @@ void opstart_terminal() {
   if (!terminfo_aanwezig(term)) terminfo_maak(term, nullptr);
 }
 
-void opstart_venster(char** argv) {
+void opstart_venster(int keuze) {
   if (isatty(STDIN_FILENO) == 0 || !venster_te_klein()) return;
   printf("%s\n%s ", txt(T_VENSTER_KLEIN), txt(T_VENSTER_KADER));
   fflush(stdout);
-  if (ja()) in_tmux(argv);
+  if (ja()) in_tmux(keuze);
 }

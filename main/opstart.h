@@ -7,4 +7,5 @@ void opstart_catalogi();
 void opstart_terminal();
 /// A window of fewer than 25 rows or 80 columns: says so and offers a frame of that size. Returns
 /// when the program may go on here; does not return when the frame took its place.
-void opstart_venster(char** argv);
+/// `keuze` is the terminal number given with -t, 0 none.
+void opstart_venster(int keuze);
