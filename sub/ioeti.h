@@ -42,7 +42,8 @@ void eti_eigenaar(const Serienr*);
 /// Gives the chain of a series back to the free list; blok1 becomes -1. False when it met a block
 /// of another series.
 bool eti_vrijgeven(DtSer*);
-int32_t eti_hoogste_blok();  // by the configured number of label digits
+int eti_cijfers();           // the configured number of label digits: 6, 7 or 8
+int32_t eti_hoogste_blok();  // by those digits
 /// Where a series' chain lives after a 'W' with number 0: block of the label.
 inline int32_t eti_blok(int32_t nummer) { return (nummer - 1) / 10; }
 
