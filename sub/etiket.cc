@@ -49,7 +49,7 @@ uint16_t statusdatum(const Etiket& e) {
   return e.status == ETI_VOORRAAD ? uint16_t{0} : e.vrkdat;
 }
 
-bool met_tarief(uint8_t status) { return status != ETI_NOTA && status != ETI_VOORRAAD; }
+bool met_tarief(uint8_t status) { return status == ETI_VERKOPEN || status == ETI_CORRECTIES; }
 
 void plaats_uit(uint32_t w, Etiket* e, bool transit) {
   const uint32_t maat = (w & 0xFFFF) / 100;
@@ -71,6 +71,8 @@ void plaats_uit(uint32_t w, Etiket* e, bool transit) {
 }  // namespace
 
 void etiket_pak(const Etiket& e, uint32_t woord[9], bool transit) {
+  std::fill_n(woord, 9, uint32_t{0});
+  if (e.status == ETI_VRIJ) return;
   const uint64_t vlag = e.p != 0 ? 1 : 0;
   const uint64_t tarief = met_tarief(e.status) ? std::min(e.tarief, TARIEF_MAX) : 0;
   woord[0] = met_cijfer(e.inkpr, e.cijfer);
