@@ -5,6 +5,8 @@
 
 #include "scr/scr.h"
 
+struct ICB;
+
 // Fields (scr/veld_staat) ------------------------------------------------------------------------
 
 /// Makes the first input record (100 bytes of text, no range, no keys) and the field work areas.
@@ -23,8 +25,6 @@ void scr_toon();
 void scr_ververs();
 /// The WINDOW* of the current window; null when there is none.
 void* win_nu();
-/// Marks every window above the base for repaint, so that base text slides under them.
-void win_bovenop();
 /// Screen row and column (1-based) of cell (1,1) of the current window, inside its border.
 void win_hoek(int* row, int* col);
 /// Where the cursor of the current window stands, as scr_move counts.
@@ -67,5 +67,7 @@ void afbreken_begin();
 /// SIGINT and SIGQUIT become keys; the old actions come back with signalen_terug.
 void signalen_vang();
 void signalen_terug();
+/// A lock was refused, for ix_hooks: names the table on the bottom line for two seconds.
+void scr_wacht(ICB*);
 /// The progress bar of ix_hooks.
 void scr_voortgang(const char* titel, int64_t deel, int64_t geheel);
