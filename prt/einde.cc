@@ -80,6 +80,7 @@ void print_end(const char* lp_opties) {
   if (te_lang || (!gezien && prt_preview() == 0)) {
     file_delete(prt_rec.spool_name);
     prt_platen_weg();
+    toets_zet(TOETS_CANCEL);  // the fields of the preview had keys of their own
     return;
   }
   toets_zet(0);
