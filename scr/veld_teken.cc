@@ -20,8 +20,10 @@ void druk(int attr, int kolom, const std::string& tekst) {
   if (!tekst.empty()) scr_print_tekst(attr, scr_ctx->veld.row, kolom, tekst.c_str());
 }
 
+/// A field without a visible width shows nothing, arrows included.
 void pijlen(bool links, bool rechts) {
   const IngVeld& v = scr_ctx->veld;
+  if (v.zichtbaar <= 0) return;
   const int voor = v.col - 1;
   const int achter = v.col + v.zichtbaar;
   if (links) {
