@@ -2,9 +2,11 @@
 // and what the program got out of it.
 #include <csignal>
 #include <cstring>
+#include <random>
 
 #include "isam/base.h"
 #include "scr/scr.h"
+#include "scr/veld_formaat.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -455,6 +457,80 @@ TEST(VeldStaat, WhatACallerSetsCountsOnceAndIsKeptOverAScreenInBetween) {
   EXPECT_EQ(t.row(25), "<?> Ongeldige ingave!!  (HELP voor toelichting)");
   t.type(toets::Enter);
   EXPECT_UIT(t, false, false, 10, "9 900");
+}
+
+/// Fields of every letter, one after the other, each with guard bytes behind its variable; row 9
+/// counts those that were overrun and the numbers that came out beyond their range.
+void alle_velden(int ronden) {
+  static constexpr const char* FORMATEN[] = {
+      "6c,E", "1c", "8s,JU", "20.6C", "12.5S,F", "6x",   "12.4X",  "5l,ZP", "6.2f", "8B,JEP",
+      "D",    "8D", "10D,E", "b",     "3n",      "3c,A", "2u,ZPA", "4s,S",  "2.2f"};
+  int fout = 0;
+  for (int i = 0; i < ronden; ++i) {
+    const char* f = FORMATEN[static_cast<size_t>(i) % std::size(FORMATEN)];
+    VeldFormaat formaat;
+    veld_ontleed(f, 2, formaat);
+    struct {
+      union {
+        int32_t l;
+        uint16_t u;
+        int8_t n;
+        uint8_t b;
+        double d;
+        char c[32];
+      };
+    } v = {};
+    memset(&v, 0, sizeof v);
+    const auto vraag = [&](auto* p, size_t breedte) {
+      memset(v.c + breedte, '#', sizeof v.c - breedte);
+      INGAVE(5, 10, f, &K_CANCEL, &K_F5, p);
+      for (size_t k = breedte; k < sizeof v.c; ++k) fout += v.c[k] != '#';
+    };
+    switch (formaat.letter) {
+      case 'l':
+      case 'B':
+        vraag(&v.l, 4);
+        break;
+      case 'u':
+      case 'D':
+        vraag(&v.u, 2);
+        break;
+      case 'n':
+        vraag(&v.n, 1);
+        break;
+      case 'b':
+        vraag(&v.b, 1);
+        break;
+      case 'f':
+        vraag(&v.d, 8);
+        break;
+      default:
+        vraag(v.c, static_cast<size_t>(formaat.lengte) + (strchr("sS", formaat.letter) ? 1 : 0));
+    }
+    if (formaat.letter == 'l') fout += v.l < 0 || v.l > 99999;
+    if (formaat.letter == 'D') fout += v.u > 55153 && formaat.lengte != 10;
+  }
+  scr_print(A_WAARDE, 9, 1, "klaar, fout=%d", fout);
+}
+
+TEST(VeldLoop, AnyKeysInAnyFieldStayInsideTheVariable) {
+  const unsigned zaad = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(zaad));
+  std::mt19937 kans(zaad);
+  Terminal t = scherm([] { alle_velden(300); });
+  const string toetsen[] = {"1",         "2",           "0",          "9",          "-",
+                            "+",         ",",           ".",          " ",          "a",
+                            "J",         "\\",          "é",          "F",          toets::Home,
+                            toets::End,  toets::Left,   toets::Right, toets::Ins,   toets::Del,
+                            toets::Back, toets::Up,     toets::F5,    toets::F11,   toets::F1,
+                            toets::F6,   toets::Cancel, toets::Enter, toets::Enter, toets::Enter};
+  for (int beurt = 0; beurt < 3000 && !t.shows("klaar"); ++beurt) {
+    string reeks;
+    for (int k = 0; k < 12; ++k) reeks += toetsen[kans() % std::size(toetsen)];
+    t.type(reeks);
+    t.type(string(toets::Enter) + toets::Home + toets::Cancel);  // any field can be left
+  }
+  EXPECT_EQ(t.row(9), "klaar, fout=0");
 }
 
 TEST(Vraag, YesNoAndKeys) {
