@@ -37,7 +37,7 @@ void merken_leeg(BrwRec* b) {
   b->inverted = 0;
 }
 
-// Moving about -----------------------------------------------------------------------------------
+// Moving about ------------------------------------------------------------------------------------
 
 void omlaag(BrwRec* b, BrwBlad& blad) {
   const int aantal = static_cast<int>(blad.ids.size());
@@ -107,19 +107,19 @@ void cursor_boven(BrwRec* b, BrwBlad& blad) {
   brw_blad_teken(b, blad, id, 0);
 }
 
+constexpr int TAB = 9, F6 = TOETS_F1 + 5, F7 = TOETS_F1 + 6, F10 = TOETS_F1 + 9;
 struct ToetsRij {
-  int index;  // in key_table
-  bool merkt;
+  int toets;
+  bool merkt;  // only where marking is allowed
   void (*doe)(BrwRec*, BrwBlad&);
 };
 constexpr ToetsRij TOETSEN[] = {
-    {1, false, cursor_boven}, {3, false, omhoog},        {4, false, omlaag},
-    {5, false, blad_terug},   {6, false, blad_verder},   {17, true, omkeren},
-    {18, true, merk_wissel},  {21, true, merken_wissen},
+    {TOETS_UP, false, omhoog},        {TOETS_DOWN, false, omlaag}, {TOETS_PGUP, false, blad_terug},
+    {TOETS_PGDN, false, blad_verder}, {TAB, false, cursor_boven},  {F6, true, omkeren},
+    {F7, true, merk_wissel},          {F10, true, merken_wissen},
 };
 
-// One turn of the screen
-// ---------------------------------------------------------------------------
+// One turn of the screen --------------------------------------------------------------------------
 
 /// The search has positioned on something: the page is drawn anew as `draw_mode` asks.
 bool gezocht(BrwRec* b, BrwBlad& blad) {
@@ -164,7 +164,7 @@ Uitkomst leeg_veld(BrwRec* b, BrwBlad& blad) {
     return b->multi != 0 && b->mark_count != 0 ? Uitkomst::verder : kies(b, blad);
   }
   for (const ToetsRij& rij : TOETSEN) {
-    if (toets != scr_ctx->key_table[rij.index]) continue;
+    if (toets != rij.toets) continue;
     if (!rij.merkt || b->multi != 0) rij.doe(b, blad);
     return Uitkomst::verder;
   }
@@ -211,8 +211,7 @@ bool scherm(BrwRec* b) {
   return uitkomst == Uitkomst::gekozen;
 }
 
-// Handing out the choice
-// -----------------------------------------------------------------------------
+// Handing out the choice --------------------------------------------------------------------------
 
 int lever_merken(BrwRec* b) {
   while (b->mark_count > 0) {

@@ -63,8 +63,7 @@ struct Niveau {
 
 int niveau_run(Niveau& n);
 
-// Selecting
-// ------------------------------------------------------------------------------------------
+// Selecting ---------------------------------------------------------------------------------------
 
 bool kiesbaar(const TrItem& item) {
   return item.enabled && (!item.is_group || item.submenu != nullptr);
@@ -99,8 +98,7 @@ int keus_van_toets(const Niveau& n, int toets) {
   return -1;
 }
 
-// Drawing
-// ----------------------------------------------------------------------------------------------
+// Drawing -----------------------------------------------------------------------------------------
 
 std::string zonder_merk(const std::string& tekst) {
   std::string uit(tekst);
@@ -163,8 +161,7 @@ void niveau_open(Niveau& n) {
   niveau_teken(n);
 }
 
-// Keys
-// --------------------------------------------------------------------------------------------------
+// Keys --------------------------------------------------------------------------------------------
 
 /// The next key of a level; Escape when its time is up.
 int niveau_toets(const Niveau& n) {

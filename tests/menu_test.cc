@@ -196,8 +196,7 @@ TEST(Menu, AFaultOfTheProgramEndsItWithModuleAndCode) {
   }
 }
 
-// The choice line
-// -----------------------------------------------------------------------------------
+// The choice line ---------------------------------------------------------------------------------
 
 const char* werkwoord(int item) {
   static const char* const TEKST[] = {"&Selecteren", "&Wijzigen", "ver&plaatsen", "zonder letter"};
