@@ -1,0 +1,139 @@
+// The year field, and the list of years and seasons in INKSYS.TXT.
+#include <fcntl.h>
+
+#include <cstring>
+#include <vector>
+
+#include "isam/base.h"
+#include "isam/io.h"
+#include "sub/records.h"
+#include "sub/teksten.h"
+#include "sub/zoek.h"
+#include "sub/zoek_lijst.h"
+
+namespace {
+
+constexpr const char* BESTAND = "INKSYS.TXT";
+constexpr uint16_t JAAR_LAAG = 1980, JAAR_HOOG = 2079;
+
+std::vector<InkSys> seizoenen;
+
+void laad() {
+  seizoenen.clear();
+  const int64_t grootte = file_size(BESTAND);
+  const int fd = grootte > 0 ? io_open(BESTAND, false) : -1;
+  if (fd < 0) return;
+  for (int64_t i = 0; (i + 1) * static_cast<int64_t>(sizeof(InkSys)) <= grootte; ++i) {
+    InkSys rec;
+    if (io_lees(fd, &rec, sizeof rec, i * static_cast<int64_t>(sizeof rec)) != sizeof rec) break;
+    if (rec.jaar != 0) seizoenen.push_back(rec);
+  }
+  io_close(fd);
+}
+
+const InkSys& rec_van(const BrwRec* b) { return seizoenen[b->current]; }
+
+bool stap(BrwRec* b, int n) {
+  if (seizoenen.empty()) return false;
+  if (b->current >= seizoenen.size()) b->current = 0;
+  for (int i = n; i != 0; i += i < 0 ? 1 : -1) {
+    const int64_t naar = static_cast<int64_t>(b->current) + (n < 0 ? -1 : 1);
+    if (naar < 0 || naar >= static_cast<int64_t>(seizoenen.size())) return false;
+    b->current = static_cast<uint32_t>(naar);
+  }
+  return true;
+}
+void zoek(BrwRec* b) {
+  const int rij = brw_search_row();
+  uint16_t jaar = 0;
+  const int kol = 3 + scr_print(A_LABEL, rij, 2, "%s", txt(T_ZOEK_JAAR));
+  INGAVE(rij, kol, "4u,IZP", &jaar);
+  if (scr_ctx->last_key == K_F3) scr_ctx->ing_result |= ING_LEEG;
+  if (weg_toets() || (scr_ctx->ing_result & ING_LEEG) != 0) return;
+  for (uint32_t i = 0; i < seizoenen.size(); ++i) {
+    b->current = i;
+    if (seizoenen[i].jaar >= jaar) return;
+  }
+}
+void kop(BrwRec*) {
+  scr_print(A_LABEL, 1, 1, " %-6.6s %-16.16s", txt(T_ZOEK_KOP_SEIZOEN), txt(T_ZOEK_KOP_OMS));
+}
+const char* regel(BrwRec* b) {
+  const InkSys& r = rec_van(b);
+  const std::string code = str_format("%04u%c", r.jaar, r.seizoen);
+  str_printf(scr_klad, sizeof scr_klad, "%-6.6s %-16.16s", code,
+             veld_tekst(r.tekst, sizeof r.tekst));
+  return scr_klad;
+}
+
+bool kies_seizoen(uint16_t* jaar, char* seizoen) {
+  laad();
+  BrwRec* b = brw_new(stap, zoek, kop, regel);
+  uint32_t keus = 0;
+  if (!lijst_kies(b, txt(T_ZOEK_KOP_SEIZOEN), T_ZOEK_GEEN, &keus) || keus >= seizoenen.size())
+    return false;
+  *jaar = seizoenen[keus].jaar;
+  if (seizoen != nullptr) *seizoen = seizoenen[keus].seizoen;
+  return true;
+}
+
+/// Two digits stand for a year in the century that dates give them.
+uint16_t voluit(uint16_t jaar) {
+  if (jaar >= 100) return jaar;
+  const uint16_t nummer = date_number(str_format("0101%02d", jaar).c_str());
+  char tekst[9];
+  date_text(tekst, nummer, true);
+  return static_cast<uint16_t>((tekst[4] - '0') * 1000 + (tekst[5] - '0') * 100 +
+                               (tekst[6] - '0') * 10 + (tekst[7] - '0'));
+}
+
+/// True when the year stands between the limits; the message otherwise.
+bool jaar_goed(uint16_t jaar, uint16_t laag, uint16_t hoog) {
+  if (jaar < JAAR_LAAG || jaar > 2999) {
+    scr_error("<%u> %s", jaar, txt(T_ZOEK_JAAR_FOUT));
+    return false;
+  }
+  if (jaar < laag || jaar > hoog) {
+    scr_error("<%u> %s %d %s %d %-8.8s", jaar, txt(T_ZOEK_ALLEEN), laag, txt(T_ZOEK_TM), hoog,
+              txt(T_ZOEK_MOGELIJK));
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool ing_jaar(int row, int col, const char* opties, uint16_t laag, uint16_t hoog, uint16_t* jaar,
+              char* seizoen) {
+  const uint16_t oud = *jaar;
+  if (laag == 0) laag = JAAR_LAAG;
+  if (hoog == 0) hoog = JAAR_HOOG;
+  const bool leeg_goed = strchr(opties, 'E') == nullptr;
+  IngRec* const toetsen = ing_new();
+  for (;;) {
+    uint16_t waarde = *jaar;
+    // Typing 00 means the year 2000: an empty field, not the value, tells that there is none.
+    char tekst[5] = "";
+    if (waarde != 0 && strchr(opties, 'I') == nullptr)
+      str_printf(tekst, sizeof tekst, "%04u", waarde);
+    ing_restore(toetsen);
+    INGAVE(row, col, leeg_goed ? "4s[0123456789]," : "4s[0123456789],E", &K_CANCEL, &K_F5, tekst);
+    if (weg_toets()) break;
+    if (scr_ctx->last_key == K_F5) {
+      if (!kies_seizoen(&waarde, seizoen)) continue;
+    } else if (tekst[0] == 0) {
+      waarde = 0;
+    } else {
+      waarde = 0;
+      for (const char* p = tekst; *p != 0; ++p)
+        waarde = static_cast<uint16_t>(waarde * 10 + (*p - '0'));
+      waarde = voluit(waarde);
+    }
+    if (waarde != 0 && !jaar_goed(waarde, laag, hoog)) continue;
+    *jaar = waarde;
+    if (waarde != 0) scr_print(A_WAARDE, row, col, "%04u", waarde);
+    break;
+  }
+  ing_free(toetsen);
+  return *jaar != oud;
+}
