@@ -190,6 +190,7 @@ void scr_busy_suppress();
 void scr_busy_allow();
 void scr_beep();
 void scr_cursor(bool aan);
+bool scr_kleuren();                       // the current terminal has colours
 /// The shared scratch line: what a report head shows as its centre when nobody writes it.
 extern char scr_kladregel[256];
 /// The shared scratch buffer of line formatters (browser callbacks).

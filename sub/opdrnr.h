@@ -6,7 +6,8 @@
 uint32_t opdrnr_nieuw();
 uint32_t opdrnr_cijfer(uint32_t teller);
 bool opdrnr_ok(const char* tekst);
-/// Rewrites the typed text to eight digits; false when it is no order number.
+/// Rewrites the typed text to eight digits (the buffer holds at least nine bytes); false when it is
+/// no order number.
 bool opdrnr_norm(char* tekst);
 /// Input; 0 for empty. False when the operator left.
 bool opdrnr_ingave(int row, int col, uint32_t* nummer);

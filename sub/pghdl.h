@@ -9,6 +9,9 @@
 void pg_to_text(const uint8_t* set, char* tekst);
 /// False with a message on the bottom line; the set is as it was.
 bool pg_from_text(const char* tekst, uint8_t* set);
+/// The parse alone, for a set of `lengte` bytes (32 or 13): empty when good, else the message; the
+/// set is then as it was.
+std::string pg_ontleed(const char* tekst, uint8_t* set, int lengte);
 /// Cut to the width with ">" at the end; code 'F' the first piece, else the next one; empty at the
 /// end.
 std::string pg_show(char code, const uint8_t* set, int breedte);
