@@ -2,9 +2,9 @@
 //
 // Plain pread and pwrite, on every file system. A 512-byte write is not atomic against a reader, so
 // a re-read that equals what the reader already had is whole, and any other is read again until two
-// reads agree. A table's file is opened once a process: handles share descriptors through a registry
-// of device and inode, because a close of any descriptor of a file drops all the process's locks on
-// it. Tests may count, tear and stop transfers through io_proef.
+// reads agree. A table's file is opened once a process: handles share descriptors through a
+// registry of device and inode, because a close of any descriptor of a file drops all the process's
+// locks on it. Tests may count, tear and stop transfers through io_proef.
 #pragma once
 
 #include <cstddef>
@@ -27,6 +27,8 @@ int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void*
 /// Bytes written; callers do not test it. EINTR and short writes go on.
 int64_t io_schrijf(int fd, const void* buffer, size_t n, int64_t offset) noexcept;
 int64_t io_grootte(int fd) noexcept;
+/// Cuts the file at `grootte`. Counts as a write.
+bool io_kap(int fd, int64_t grootte) noexcept;
 
 /// What a test may put between the engine and the file; all null in a program.
 struct IoProef {

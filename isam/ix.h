@@ -1,9 +1,10 @@
-// The indexed file engine: keyed tables of fixed-length records, shared by processes without a server.
+// The indexed file engine: keyed tables of fixed-length records, shared by processes without a
+// server.
 //
-// A table NAME is a pair of files: NAME.TXT, an array of records, and NAME.INX, 512-byte blocks with
-// a header, one B+-tree a key and a small queue of locked keys. A name whose last path component has
-// a point, NAME.SUF, is a private index: the path itself is the index file, over the records of
-// NAME.TXT. Everything is done with POSIX record locks (fcntl F_SETLK, F_GETLK).
+// A table NAME is a pair of files: NAME.TXT, an array of records, and NAME.INX, 512-byte blocks
+// with a header, one B+-tree a key and a small queue of locked keys. A name whose last path
+// component has a point, NAME.SUF, is a private index: the path itself is the index file, over the
+// records of NAME.TXT. Everything is done with POSIX record locks (fcntl F_SETLK, F_GETLK).
 //
 // Conventions of all calls: the handle comes first; the key is always taken from the record buffer,
 // which is record_length bytes long; the result is truth (not found is an answer, not an error);
@@ -12,21 +13,24 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
-inline constexpr int IX_BLOK = 512;          // bytes of a block of NAME.INX
-inline constexpr int IX_KOP = 260;           // bytes of the header that are read
-inline constexpr int IX_SLEUTELS = 5;        // keys a table
-inline constexpr int IX_VELDEN = 10;         // fields a key
-inline constexpr int IX_SLEUTELBYTES = 60;   // bytes of a key
-inline constexpr int IX_DIEPTE = 10;         // levels of a tree
-inline constexpr int IX_INGANGEN = 505;      // bytes of entries in a block
+#include "isam/formaat.h"
+
+inline constexpr int IX_BLOK = 512;         // bytes of a block of NAME.INX
+inline constexpr int IX_KOP = 260;          // bytes of the header that are read
+inline constexpr int IX_SLEUTELS = 5;       // keys a table
+inline constexpr int IX_VELDEN = 10;        // fields a key
+inline constexpr int IX_SLEUTELBYTES = 60;  // bytes of a key
+inline constexpr int IX_DIEPTE = 10;        // levels of a tree
+inline constexpr int IX_INGANGEN = 505;     // bytes of entries in a block
 inline constexpr int16_t IX_VERSIE = 351;
 
 /// Modes of IXOPEN and IXCREATE.
-inline constexpr int IX_LEES = 0;            // read-only: IXWRITE refuses
-inline constexpr int IX_EXCLUSIEF = 1;       // whole file locked, header in memory until IXCLOSE
-inline constexpr int IX_GEDEELD = 2;         // each write under the header lock
-inline constexpr int IX_VRAAG = 0x1000;      // added: ask the operator when access is refused
+inline constexpr int IX_LEES = 0;        // read-only: IXWRITE refuses
+inline constexpr int IX_EXCLUSIEF = 1;   // whole file locked, header in memory until IXCLOSE
+inline constexpr int IX_GEDEELD = 2;     // each write under the header lock
+inline constexpr int IX_VRAAG = 0x1000;  // added: ask the operator when access is refused
 
 /*   OFFSET SIZE FIELD         one key definition, 42 bytes
  *        0    8 key_name      not terminated when full
@@ -67,32 +71,34 @@ static_assert(sizeof(IxBlok) == IX_BLOK && offsetof(IxBlok, entries) == 5);
 /// The handle of an open table or private index, and its cursor: two scans take two handles.
 /// The first 260 bytes are the header as it stands in block 0 of the index file.
 struct ICB {
-  char name[11];                 // file name without directory, not always terminated
-  int8_t key_count;              // 1 to 5
-  int32_t free_head;             // first deleted slot, -1 none
-  int32_t record_count;          // slots, so the next new record number
-  int32_t next_block;            // next free block, so the length of the index in blocks
+  char name[11];         // file name without directory, not always terminated
+  int8_t key_count;      // 1 to 5
+  int32_t free_head;     // first deleted slot, -1 none
+  int32_t record_count;  // slots, so the next new record number
+  int32_t next_block;    // next free block, so the length of the index in blocks
   int16_t record_length;
-  char description[19];          // a private series index keeps its key letters here
-  int8_t busy;                   // update-in-progress count, 0 when consistent
+  char description[19];  // a private series index keeps its key letters here
+  int8_t busy;           // update-in-progress count, 0 when consistent
   uint8_t nul[2];
   IxSleutel keys[IX_SLEUTELS];
-  int16_t version;               // 351
+  int16_t version;  // 351
   // Behind the header image, never on disk:
   int32_t index_fd;
   int32_t data_fd;
-  int32_t mode;                  // IX_LEES, IX_EXCLUSIEF or IX_GEDEELD
-  uint8_t file_locked;           // 1: this handle holds the whole file
-  uint8_t is_private;            // 1: path with a point
-  int32_t block_no;              // number of the block in `block`
-  int32_t record_no;             // current record, -1 none
-  int32_t new_pointer;           // pointer that an insert stores
+  int32_t mode;         // IX_LEES, IX_EXCLUSIEF or IX_GEDEELD
+  uint8_t file_locked;  // 1: this handle holds the whole file
+  uint8_t is_private;   // 1: path with a point
+  uint8_t kop_slot;     // header lock held: 1 position not yet trusted, 2 position sound
+  uint8_t reserve;
+  int32_t block_no;     // number of the block in `block`
+  int32_t record_no;    // current record, -1 none
+  int32_t new_pointer;  // pointer that an insert stores
   uint8_t key_buf[IX_SLEUTELBYTES];
-  IxBlok block;                  // its key_number is the current key
-  int32_t entry;                 // offset of the current entry in `block`
-  int32_t trail[IX_DIEPTE];      // trail[l]: parent of the buffered level-l block, -1 above the root
+  IxBlok block;              // its key_number is the current key
+  int32_t entry;             // offset of the current entry in `block`
+  int32_t trail[IX_DIEPTE];  // trail[l]: parent of the buffered level-l block, -1 above the root
   int32_t commit;
-  uint8_t cached;                // 1: blocks go through the rebuild cache
+  uint8_t cached;  // 1: blocks go through the rebuild cache
   char path[80];
 };
 static_assert(sizeof(ICB) == 992 && offsetof(ICB, keys) == 48 && offsetof(ICB, version) == 258);
@@ -144,16 +150,18 @@ bool IXINITIX(ICB*);
 bool IXINIT(ICB*);
 /// Number of deleted records when the table is sound, else -1. Repairs nothing.
 int IXCHECK(const char* name);
+/// The walk along the free chain in IXCHECK, on by default; without it a readable index is sound.
+void IXCHECK_DIEP(bool aan) noexcept;
 /// Builds NAME.INX anew from NAME.TXT and the definitions in the old header. 1 done, 0 not started.
 int IXBLDIX(const char* name);
 /// Deletes NAME.INX, then NAME.TXT (of a private index only itself); true when gone.
 bool IXREMOVE(const char* name);
 
-// Reading by key: true when a live record was read. n > 0 stays inside the group that equals the key
-// in its first n fields; on failure record_no is -1.
+// Reading by key: true when a live record was read. n > 0 stays inside the group that equals the
+// key in its first n fields; on failure record_no is -1.
 bool IXREAD(ICB*, void* rec);
-bool IXREADL(ICB*, void* rec);   // and locks the record, or the key of a record yet to come
-void IXRELEASE(ICB*, void* rec); // gives up what IXREADL took
+bool IXREADL(ICB*, void* rec);    // and locks the record, or the key of a record yet to come
+void IXRELEASE(ICB*, void* rec);  // gives up what IXREADL took
 bool IXEXISTS(ICB*, void* rec);
 bool IXFIRSTR(ICB*, void* rec, int n = 0);
 bool IXNEXT(ICB*, void* rec, int n = 0);
@@ -183,7 +191,7 @@ void IXPUTREC(ICB*, void* rec);     // rewrites the slot under a lock held; no k
 // Keys.
 void IXSWITCH(ICB*, int key_number);
 void IXBLDKEY(ICB*, const void* rec, int length);
-int IXKEYLEN(ICB*, int fields);     // bytes of the first fields; 0 the whole key
+int IXKEYLEN(ICB*, int fields);  // bytes of the first fields; 0 the whole key
 void IXKEYTOREC(ICB*, void* rec);
 int IXCOMP(ICB*, const void* key_a, const void* key_b, int length);
 int32_t IXSEARCH(ICB*, char op, int length);  // '=', '>', '<'; record number or -1
@@ -205,9 +213,33 @@ int commit_init();
 /// Whole-file copies and appended logs: lockf from the current position (3, 4, 13, 14).
 bool region_lock(int fd, int code, int64_t length);
 
+/// Reads `length` bytes under code 3; the lock stays. Bytes read, or -1.
+int64_t locked_read(int fd, void* buffer, size_t length);
+/// Reads, and on a refusal shows the message and tries again.
+int64_t retry_read(int fd, void* buffer, size_t length);
+/// Writes at the current position, then unlocks what it wrote. Bytes written, or -1.
+int64_t locked_write(int fd, const void* buffer, size_t length);
+/// Appends a text of up to 883 characters to a log, under code 4.
+int64_t locked_append(int fd, const char* formaat, std::span<const Arg> args);
+template <class... A>
+int64_t locked_printf(int fd, const char* formaat, const A&... a) {
+  const Arg args[sizeof...(A) + 1] = {Arg(a)..., Arg(0)};
+  return locked_append(fd, formaat, std::span<const Arg>(args, sizeof...(A)));
+}
+
+/// A message box cut to what fits: at most 20 lines of at most 76 characters, tabs as blanks.
+struct FlashVorm {
+  char regels[20][77];
+  int aantal;      // lines
+  int breedte;     // columns of the box, its frame included
+  char titel[66];  // empty when the title is not 1 to 65 characters long
+};
+FlashVorm fflash_vorm(int option, const char* title, const char* text) noexcept;
 /// The engine's message box; see IxHooks::doos. Text of up to 20 lines of 76 characters.
 int FFLASH(int option, int kind, int attribute, const char* title, const char* text);
 
 /// How many files the process can still open, 200 at most; entries that match a pattern.
 int files_open_limit();
 int FILES_PRESENT(const char* pattern);
+/// Names and closes the files that are still open at the end of a run, and waits for Enter.
+void files_left();

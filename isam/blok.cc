@@ -1,0 +1,130 @@
+// Blocks and the header between file and handle. Guarantees: what stands in the handle is whole and
+// within bounds, whatever the file holds; the header in memory was read under its lock; the mark of
+// an update in progress is on disk while an update is.
+
+#include <cstring>
+
+#include "isam/io.h"
+#include "isam/ix_intern.h"
+#include "isam/teksten.h"
+
+namespace {
+
+/// A block that does not fit the definitions becomes an empty one without a level: outside every
+/// search window, and no place for a change.
+void keur(ICB* icb, int sleutel) {
+  IxBlok& b = icb->block;
+  const bool ons = b.key_number >= 1 && b.key_number <= icb->key_count;
+  const int breed = ons ? ix_ingang(icb->keys[b.key_number - 1]) : 0;
+  if (ons && b.level >= 1 && b.level <= IX_DIEPTE && b.count >= 0 && b.count * breed <= IX_INGANGEN)
+    return;
+  b.key_number = static_cast<int8_t>(sleutel);
+  b.level = 0;
+  b.count = 0;
+}
+
+void onthoud_pad(ICB* icb, int32_t blok) {
+  const int niveau = icb->block.level;
+  if (blok == icb->block.key_number && niveau < IX_DIEPTE) icb->trail[niveau] = -1;
+  if (niveau >= 2 && niveau <= IX_DIEPTE) icb->trail[niveau - 1] = blok;
+}
+
+/// The file is shorter than the block's place: another process's file has not grown that far yet.
+/// Tells so for a second; returns the block to try next.
+int32_t wacht_op_groei(ICB* icb, int32_t blok, int sleutel) {
+  if (ix_alleen(icb)) ix_kapot(icb);  // nobody can make it grow
+  const std::string naam(icb->name, strnlen(icb->name, sizeof icb->name));
+  ix_hooks.regel(str_format("TQISAM: %s.INX (EOF: r=%ld)", naam, blok).c_str(), 1);
+  ix_hooks.regel("", 0);
+  return io_grootte(icb->index_fd) >= ix_blokplaats(blok) + IX_BLOK ? blok : sleutel;
+}
+
+}  // namespace
+
+void IXRDIX(ICB* icb, int32_t blok) {
+  ix_test(icb, "IXRDIX");
+  if (blok == 0) {
+    ix_kop_lees(icb);
+    return;
+  }
+  const int sleutel = ix_huidig(icb);
+  if (icb->cached != 0) {
+    IOCACHE('R', icb, blok);
+  } else {
+    if (icb->busy != 0 || blok < 0) ix_kapot(icb);
+    for (;;) {
+      const int64_t plaats = ix_blokplaats(blok);
+      const void* oud = icb->block_no == blok ? &icb->block : nullptr;
+      const int64_t n = ix_alleen(icb)
+                            ? io_lees(icb->index_fd, &icb->block, IX_BLOK, plaats)
+                            : io_lees_heel(icb->index_fd, &icb->block, IX_BLOK, plaats, oud);
+      icb->block_no = blok;
+      if (n == IX_BLOK) break;
+      blok = wacht_op_groei(icb, blok, sleutel);
+    }
+  }
+  keur(icb, sleutel);
+  if (blok != icb->key_count + 1) onthoud_pad(icb, blok);
+}
+
+void IXWRIX(ICB* icb, int32_t blok) {
+  ix_test(icb, "IXWRIX");
+  if (blok == 0)
+    ix_kop_schrijf(icb);
+  else if (icb->cached != 0)
+    IOCACHE('W', icb, blok);
+  else
+    io_schrijf(icb->index_fd, &icb->block, IX_BLOK, ix_blokplaats(blok));
+}
+
+namespace {
+
+bool sleutel_geldig(const IxSleutel& s, int record_length) {
+  int lengte = s.dup == 'J' ? 4 : 0;
+  for (int i = 0; i < IX_VELDEN && s.field_type[i] != 0; ++i) {
+    if (s.field_type[i] != 'C' && s.field_type[i] != 'I') return false;
+    if (s.field_start[i] < 1 || s.field_end[i] < s.field_start[i]) return false;
+    if (s.field_end[i] > record_length) return false;
+    lengte += s.field_end[i] - s.field_start[i] + 1;
+  }
+  return s.field_type[0] != 0 && lengte == s.key_length && lengte <= IX_SLEUTELBYTES &&
+         s.max_entries >= 2 && s.max_entries * ix_ingang(s) <= IX_INGANGEN;
+}
+
+}  // namespace
+
+bool ix_kop_geldig(const ICB* icb) {
+  // Five bytes are what a deleted slot takes: the mark and the chain.
+  if (icb->key_count < 1 || icb->key_count > IX_SLEUTELS || icb->record_length < 5) return false;
+  if (icb->record_count < 0 || icb->next_block < icb->key_count + 2) return false;
+  for (int k = 0; k < icb->key_count; ++k)
+    if (!sleutel_geldig(icb->keys[k], icb->record_length)) return false;
+  return true;
+}
+
+void ix_kop_lees(ICB* icb) {
+  if (io_lees(icb->index_fd, icb, IX_KOP, 0) != IX_KOP || !ix_kop_geldig(icb)) ix_kapot(icb);
+}
+
+void ix_kop_schrijf(const ICB* icb) {
+  alignas(64) uint8_t blok[IX_BLOK] = {};
+  memcpy(blok, icb, IX_KOP);
+  io_schrijf(icb->index_fd, blok, IX_BLOK, 0);
+}
+
+void ix_kop_open(ICB* icb) {
+  IXLOCK(icb, 2);
+  ix_kop_lees(icb);
+  if (icb->busy < INT8_MAX) {
+    ++icb->busy;
+    ix_kop_schrijf(icb);
+    --icb->busy;
+  }
+  icb->kop_slot = 1;  // the position is from before the lock: the first search starts at the root
+}
+
+void ix_kop_dicht(ICB* icb) {
+  ix_kop_schrijf(icb);
+  icb->kop_slot = 0;
+  IXLOCK(icb, 12);
+}

@@ -1,0 +1,140 @@
+// What the rooms of the file engine share among themselves: the state of a handle, blocks and keys.
+#pragma once
+
+#include <climits>
+#include <string>
+
+#include "isam/ix.h"
+
+/// What is allocated behind every handle: its block, and what only the reads need.
+struct IxHandvat {
+  ICB icb;
+  // The last record that was read through an entry which no longer is its key (a private index over
+  // a table at work): going on from the record would find the same entry again, for ever.
+  int32_t scheef_no;  // record number + 1, 0 none
+  int32_t scheef_key;
+  uint8_t beeld[IX_SLEUTELBYTES];   // key of the record as it was read
+  uint8_t ingang[IX_SLEUTELBYTES];  // key of the entry
+};
+
+/// Files of a table or private index by its name.
+struct IxPaden {
+  std::string index, data;
+  bool privaat;
+};
+IxPaden ix_paden(const char* name);
+
+// A null handle is a programmer's fault: "NAME : ICB == NULL".
+[[noreturn]] void ix_leeg(const char* naam);
+inline void ix_test(const ICB* icb, const char* naam) {
+  if (icb == nullptr) ix_leeg(naam);
+}
+/// Ends the run: "name: description --> Niet consistent".
+[[noreturn]] void ix_kapot(const ICB* icb);
+/// "%-11.11s: %-19.19s --> %s" of a handle; with a point behind it when `punt`.
+std::string ix_melding(const ICB* icb, const char* tekst, bool punt = false);
+/// "TQISAM(%d): %s ", the run ends.
+[[noreturn]] void ix_open_fout(int fout, const std::string& pad);
+
+// Keys
+// -----------------------------------------------------------------------------------------------
+
+/// The current key's number: 1 where the handle holds no block yet.
+inline int ix_huidig(const ICB* icb) {
+  const int k = icb->block.key_number;
+  return k >= 1 && k <= icb->key_count && k <= IX_SLEUTELS ? k : 1;
+}
+inline const IxSleutel& ix_sleutel(const ICB* icb) { return icb->keys[ix_huidig(icb) - 1]; }
+/// Bytes of an entry of the key.
+inline int ix_ingang(const IxSleutel& s) { return s.key_length + 4; }
+
+/// Key image of a record: `lengte` bytes, then zeros up to the key's length (60 bytes at most).
+void ix_beeld(const ICB* icb, const IxSleutel& s, const void* rec, int lengte, int32_t recno,
+              uint8_t* uit);
+/// Three-way comparison of two images of a key over `lengte` bytes.
+int ix_vergelijk(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int lengte);
+/// Bytes of the first `velden` fields; 0 or less: the whole key.
+int ix_lengte(const IxSleutel& s, int velden);
+/// Two 'C' fields of n bytes under the collation.
+int ix_collatie(const uint8_t* a, const uint8_t* b, int n);
+/// True when definitions and counters can be worked with: no index or length out of bounds.
+bool ix_kop_geldig(const ICB* icb);
+
+// Header
+// ---------------------------------------------------------------------------------------------
+
+/// Reads block 0 under the header lock; a header that cannot be worked with ends the run.
+void ix_kop_lees(ICB* icb);
+void ix_kop_schrijf(const ICB* icb);
+/// The header protocol around each change in shared mode: lock, read, mark busy; write, unlock.
+void ix_kop_open(ICB* icb);
+void ix_kop_dicht(ICB* icb);
+/// Nobody else can change the index now.
+inline bool ix_alleen(const ICB* icb) {
+  return icb->file_locked != 0 || icb->mode == IX_EXCLUSIEF || icb->kop_slot != 0;
+}
+
+// Tree
+// -----------------------------------------------------------------------------------------------
+
+void IXRDIX(ICB*, int32_t blok);
+void IXWRIX(ICB*, int32_t blok);
+/// Sets `entry` to the first entry at or above key_buf; `gelijk` tells whether it equals it.
+int IXLOCKEY(ICB*, int lengte, bool* gelijk = nullptr);
+int32_t IXFINDBLK(ICB*, char op, int lengte);
+void IXINSKEY(ICB*);
+/// Removes the entry of key_buf that leads to `wijzer`; false when the key is not there.
+bool IXDELKEY(ICB*, int32_t wijzer);
+/// The key lies between the first and last entry of the buffered block.
+bool ix_in_blok(const ICB* icb, char op, int lengte);
+/// Puts key_buf with record_no into the current key's tree.
+void ix_zet_sleutel(ICB* icb);
+/// The same as a rebuild does it: from the leaf in the buffer, or else from the root.
+void ix_schuif_in(ICB* icb, const void* rec, int32_t recno);
+void ix_voeg_sleutels(ICB* icb, const void* rec);
+bool ix_wis_sleutels(ICB* icb, const void* rec);
+
+inline uint8_t* ix_plaats(ICB* icb, int nr, int breed) { return icb->block.entries + nr * breed; }
+inline const uint8_t* ix_plaats(const ICB* icb, int nr, int breed) {
+  return icb->block.entries + nr * breed;
+}
+/// The entry that the last search stopped at; null when there is none.
+const uint8_t* ix_gevonden(const ICB* icb);
+
+int32_t ix_i32(const uint8_t* p);
+void ix_zet_i32(uint8_t* p, int32_t v);
+
+/// The write-back cache of a rebuild: 'I' begins (true when on), 'R' and 'W' a block, 'F' writes
+/// all.
+uint8_t IOCACHE(char actie, ICB*, int32_t blok);
+
+// Records
+// --------------------------------------------------------------------------------------------
+
+bool ix_levend(const uint8_t* rec, int lengte);
+/// Offset of record_no in the data file; a negative one ends the run.
+int64_t IXSEEKDAT(const ICB* icb);
+/// Reads slot record_no, 0xFF where the file is short; true for a live record.
+bool IXRDDAT(const ICB* icb, void* rec);
+void IXWRDAT(const ICB* icb, const void* rec);
+/// Ends the scan in slot order if it is this handle's.
+void ix_seq_los(const ICB* icb) noexcept;
+/// Two work buffers of a record's size, for one operation at a time.
+uint8_t* ix_werk(int nr);
+
+// Handles
+// --------------------------------------------------------------------------------------------
+
+ICB* ix_nieuw();
+void ix_vrij(ICB* icb);
+/// IXCREATE; with `houd` the old index keeps its contents, under the lock that the mode asks for.
+ICB* ix_maak(const char* name, int mode, bool houd);
+/// The process-wide commit setting, copied to each handle at open.
+int ix_commit();
+/// True for version 350, which cannot be used; any other but the present one is made the present
+/// one.
+bool ix_versie_350(ICB* icb);
+/// Takes a lock that is held for milliseconds: tries for a while before anybody is told.
+void ix_slot_wacht(ICB* icb, int64_t offset);
+
+inline int64_t ix_blokplaats(int64_t blok) { return blok * IX_BLOK; }

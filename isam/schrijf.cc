@@ -1,0 +1,214 @@
+// Changing records: reading under lock, writing, deleting. In shared mode each change stands inside
+// the header protocol, so that one update at a time runs in a table and one that dies leaves its
+// mark.
+
+#include <cstring>
+
+#include "isam/io.h"
+#include "isam/ix_intern.h"
+#include "isam/teksten.h"
+
+namespace {
+
+/// A change of one key of the record in record_no, if the images differ.
+void wissel_sleutel(ICB* icb, int k, const uint8_t* oud, const void* rec) {
+  const IxSleutel& s = icb->keys[k - 1];
+  uint8_t voor[IX_SLEUTELBYTES], na[IX_SLEUTELBYTES];
+  ix_beeld(icb, s, rec, s.key_length, icb->record_no, na);
+  ix_beeld(icb, s, oud, s.key_length, icb->record_no, voor);
+  if (ix_vergelijk(s, voor, na, s.key_length) == 0) return;
+  IXSWITCH(icb, k);
+  memcpy(icb->key_buf, voor, sizeof voor);
+  IXSEARCH(icb, '=', s.key_length);
+  if (icb->block.level == 1) IXDELKEY(icb, icb->record_no);
+  memcpy(icb->key_buf, na, sizeof na);
+  ix_zet_sleutel(icb);
+}
+
+bool werk_bij(ICB* icb, const void* rec) {
+  ix_test(icb, "IXUPDATE");
+  if (icb->record_no < 0) return false;
+  const bool gedeeld = icb->mode == IX_GEDEELD;
+  if (gedeeld) ix_kop_open(icb);
+  const int sleutel = ix_huidig(icb);
+  uint8_t* oud = ix_werk(0);
+  const bool leeft = IXRDDAT(icb, oud);
+  if (leeft) {
+    for (int k = 1; k <= icb->key_count; ++k) wissel_sleutel(icb, k, oud, rec);
+    IXWRDAT(icb, rec);
+  }
+  if (gedeeld) ix_kop_dicht(icb);
+  IXSWITCH(icb, sleutel);
+  return leeft;
+}
+
+/// Takes the slot for a new record: the head of the chain of deleted ones, or the next at the end.
+void neem_plaats(ICB* icb) {
+  if (icb->free_head >= 0 && icb->free_head < icb->record_count) {
+    icb->record_no = icb->free_head;
+    while (!IXLOCK(icb, 3)) {
+    }
+    uint8_t* slot = ix_werk(0);
+    if (!IXRDDAT(icb, slot)) {
+      icb->free_head = ix_i32(slot + 1);
+      return;
+    }
+    IXLOCK(icb, 13);  // the chain leads to a record in use: it is not to be followed
+  }
+  icb->free_head = -1;
+  icb->record_no = icb->record_count++;
+  IXLOCK(icb, 3);
+}
+
+bool voeg_toe(ICB* icb, const void* rec) {
+  ix_test(icb, "IXINSERT");
+  const bool gedeeld = icb->mode == IX_GEDEELD;
+  if (gedeeld) ix_kop_open(icb);
+  const bool vol = icb->next_block > 2147483644 || icb->record_count == INT32_MAX;
+  if (!vol) {
+    neem_plaats(icb);
+    ix_voeg_sleutels(icb, rec);
+    IXWRDAT(icb, rec);
+    IXLOCK(icb, 14);
+  }
+  if (gedeeld) ix_kop_dicht(icb);
+  // Only now: nobody waits for an operator while the header is held.
+  if (vol) FFLASH(-1, 1, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_VOL));
+  return !vol;
+}
+
+bool schrijf(ICB* icb, void* rec, bool los) {
+  ix_test(icb, "IXW");
+  if (icb->mode == IX_LEES) {
+    FFLASH(-1, 2, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_ALLEEN_LEZEN));
+    return true;
+  }
+  const int sleutel = ix_huidig(icb);
+  IXSWITCH(icb, 1);
+  bool goed = IXEXISTS(icb, rec) ? werk_bij(icb, rec) : voeg_toe(icb, rec);
+  if (icb->mode == IX_GEDEELD && los && icb->record_no >= 0) goed = IXLOCK(icb, 13) && goed;
+  IXSWITCH(icb, sleutel);
+  return goed;
+}
+
+/// Is the record in `slot` still the one that the key image stands for?
+bool zelfde_record(const ICB* icb, const uint8_t* slot, const uint8_t* beeld) {
+  const IxSleutel& s = ix_sleutel(icb);
+  uint8_t nu[IX_SLEUTELBYTES];
+  ix_beeld(icb, s, slot, s.key_length, icb->record_no, nu);
+  return ix_vergelijk(s, nu, beeld, s.key_length) == 0;
+}
+
+}  // namespace
+
+bool IXWRITE(ICB* icb, void* rec) { return schrijf(icb, rec, true); }
+bool IXWRITEKEEP(ICB* icb, void* rec) { return schrijf(icb, rec, false); }
+
+bool IXREADL(ICB* icb, void* rec) {
+  ix_test(icb, "IXBLDKEY");
+  if (icb->mode == IX_LEES) return IXREAD(icb, rec);
+  const IxSleutel& s = ix_sleutel(icb);
+  const int lengte = s.key_length;
+  uint8_t beeld[IX_SLEUTELBYTES], eerste[IX_SLEUTELBYTES];
+  ix_beeld(icb, s, rec, lengte, icb->record_no, beeld);
+  // The queue holds images of key 1, whichever key is current.
+  ix_beeld(icb, icb->keys[0], rec, icb->keys[0].key_length, -1, eerste);
+  const auto zoek = [&] {
+    memcpy(icb->key_buf, beeld, sizeof beeld);
+    return icb->record_no = IXSEARCH(icb, '=', lengte);
+  };
+  for (;;) {
+    const int32_t nummer = zoek();
+    if (nummer < 0) {
+      memcpy(icb->key_buf, eerste, sizeof eerste);
+      if (!IXLOCK(icb, 4)) continue;
+      // Between the search and the queue somebody may have entered it and left the queue.
+      if (icb->file_locked != 0 || zoek() < 0) {
+        icb->record_no = -1;
+        return false;
+      }
+      memcpy(icb->key_buf, eerste, sizeof eerste);
+      IXLOCK(icb, 14);
+      continue;
+    }
+    if (!IXLOCK(icb, 3)) continue;
+    uint8_t* slot = ix_werk(0);
+    const bool leeft = IXRDDAT(icb, slot);
+    // Between the search and the lock it may have been deleted, and its slot used again.
+    if ((!leeft || !zelfde_record(icb, slot, beeld)) && zoek() != nummer) {
+      icb->record_no = nummer;
+      IXLOCK(icb, 13);
+      continue;
+    }
+    memcpy(rec, slot, static_cast<size_t>(icb->record_length));
+    return leeft;
+  }
+}
+
+void IXRELEASE(ICB* icb, void* rec) {
+  ix_test(icb, "IXBLDKEY");
+  if (icb->mode == IX_LEES) return;
+  if (IXEXISTS(icb, rec)) {
+    IXLOCK(icb, 13);
+    return;
+  }
+  ix_beeld(icb, icb->keys[0], rec, icb->keys[0].key_length, -1, icb->key_buf);
+  IXLOCK(icb, 14);
+}
+
+bool IXDELETE(ICB* icb, void* rec) {
+  ix_test(icb, "IXLOCK");
+  IXSEEKDAT(icb);  // ends the run here, before anything is touched
+  // An exclusive handle keeps its counters in memory, and the protocol is about to read the header.
+  if (icb->mode == IX_EXCLUSIEF) ix_kop_schrijf(icb);
+  ix_kop_open(icb);
+  const int sleutel = ix_huidig(icb);
+  // A record that key 1 does not hold is not in the table: its slot may be another's by now.
+  if (ix_wis_sleutels(icb, rec)) {
+    const auto lengte = static_cast<size_t>(icb->record_length);
+    uint8_t* slot = ix_werk(0);
+    memset(slot, 0xFF, lengte);
+    ix_zet_i32(slot + 1, icb->free_head);
+    IXWRDAT(icb, slot);
+    icb->free_head = icb->record_no;
+  }
+  IXLOCK(icb, 13);
+  ix_kop_dicht(icb);
+  IXSWITCH(icb, sleutel);
+  return false;
+}
+
+void IXPUTREC(ICB* icb, void* rec) {
+  IXWRDAT(icb, rec);
+  IXLOCK(icb, 13);
+}
+
+namespace {
+
+/// A private index that is not held whole changes under its own header lock: block 0 must follow.
+struct Protocol {
+  ICB* icb;
+  bool zelf;
+  explicit Protocol(ICB* i) : icb(i), zelf(!ix_alleen(i)) {
+    if (zelf) ix_kop_open(icb);
+  }
+  ~Protocol() {
+    if (zelf) ix_kop_dicht(icb);
+  }
+  Protocol(const Protocol&) = delete;
+  Protocol& operator=(const Protocol&) = delete;
+};
+
+}  // namespace
+
+void IXADDKEYS(ICB* icb, void* rec) {
+  ix_test(icb, "IXSWITCH");
+  const Protocol protocol(icb);
+  ix_voeg_sleutels(icb, rec);
+}
+
+void IXDELKEYS(ICB* icb, void* rec) {
+  ix_test(icb, "IXSWITCH");
+  const Protocol protocol(icb);
+  ix_wis_sleutels(icb, rec);
+}
