@@ -1,5 +1,6 @@
 // What the program says to the operator: the header bar, the message line, and boxes that wait.
 #include <algorithm>
+#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr int BOX_REGELS = 20, BOX_BREED = 76, BOX_TEKST = 1024;
 constexpr int VRAAG_STAART = 9;  // "? (J/N) " and the answer
 
 std::string balk_titel;  // the program's title
@@ -19,30 +19,6 @@ std::string balk_tekst;  // what the bar last said before it
 
 std::string blanks(int n) { return std::string(static_cast<size_t>(std::max(n, 0)), ' '); }
 int lengte(const std::string& s) { return static_cast<int>(s.size()); }
-
-/// The lines of a box: up to 20 of up to 76 characters.
-std::vector<std::string> regels_van(const char* tekst) {
-  std::string alles = std::string(tekst).substr(0, BOX_TEKST);
-  std::replace(alles.begin(), alles.end(), '\t', ' ');
-  std::vector<std::string> regels;
-  for (size_t van = 0; van <= alles.size() && regels.size() < BOX_REGELS;) {
-    const size_t tot = std::min(alles.find('\n', van), alles.size());
-    regels.push_back(alles.substr(van, std::min<size_t>(tot - van, BOX_BREED)));
-    van = tot + 1;
-  }
-  return regels;
-}
-
-int box_breedte(const std::vector<std::string>& regels, int titel, int optie) {
-  int langst = 0;
-  for (const std::string& r : regels) langst = std::max(langst, lengte(r));
-  int breed = langst + 4;
-  if (breed <= titel + titel % 2) breed = 14;
-  if (optie < 0) breed = std::max(breed, 32);
-  // The answer has to have a place behind the question.
-  if (optie == -2) breed = std::max(breed, lengte(regels.back()) + VRAAG_STAART + 4);
-  return std::max(breed, titel + 2);
-}
 
 }  // namespace
 
@@ -130,28 +106,24 @@ void msg_box(int kind, const char* t1, const char* t2, const char* t3) {
 
 int scr_doos(int optie, int soort, const char* titel, const char* tekst) {
   if (scr_ctx == nullptr) return IX_HOOKS_KAAL.doos(optie, soort, titel, tekst);
-  if (optie < -2) scr_abort("FFLASH invalid option [%d]", optie);
   if (scr_stil()) return 0;
-  std::vector<std::string> regels = regels_van(tekst);
-  const std::string kop = titel == nullptr ? "" : titel;
-  const int titel_lengte = kop.size() > 65 ? 0 : lengte(kop);
-  const int breed = std::min(box_breedte(regels, titel_lengte, optie), scr_ctx->cols);
-  const int hoog = static_cast<int>(regels.size()) + (optie == -1 ? 3 : 2);
+  FlashVorm vorm = fflash_vorm(optie, titel, tekst);
+  const bool vraag = optie == -2 && vorm.aantal > 0;
+  if (vraag) {  // the answer has to have a place behind the question
+    const int plaats = static_cast<int>(std::strlen(vorm.regels[--vorm.aantal])) + VRAAG_STAART;
+    vorm.breedte = std::max({vorm.breedte, 32, plaats + 4});
+  }
+  const int hoog = vorm.aantal + (optie < 0 ? 3 : 2);
+  const int breed = std::min(vorm.breedte, scr_ctx->cols);
   const IngBewaar bewaar;  // the engine may ask between two steps of a caller's field
   const Venster venster((scr_ctx->lines - hoog) / 2 + 1, (scr_ctx->cols - breed) / 2 + 1, hoog,
                         breed,
                         soort == 1   ? 3
                         : soort == 2 ? 2
                                      : 1);
-  if (titel_lengte > 0)
-    win_title_tekst(kop.c_str());
-  else
-    win_title(nullptr);
-  const std::string vraag = regels.back();
-  if (optie == -2) regels.pop_back();
-  for (size_t i = 0; i < regels.size(); ++i)
-    scr_print_tekst(A_WAARDE, static_cast<int>(i) + 1, 2, regels[i].c_str());
-  if (optie == -2) return scr_confirm_tekst(win_height(), 2, vraag.c_str()) ? 1 : 0;
+  win_title_tekst(vorm.titel);
+  for (int i = 0; i < vorm.aantal; ++i) scr_print_tekst(A_WAARDE, i + 1, 2, vorm.regels[i]);
+  if (vraag) return scr_confirm_tekst(win_height(), 2, vorm.regels[vorm.aantal]) ? 1 : 0;
   if (optie == -1)
     scr_enter(win_height(), 2);
   else
@@ -159,13 +131,15 @@ int scr_doos(int optie, int soort, const char* titel, const char* tekst) {
   return 0;
 }
 
-void scr_wacht(ICB* tabel) {
+void scr_regel(const char* tekst, int seconden) {
   if (scr_stil()) return;
-  const std::string tekst =
-      str_format("%-11.11s: %-19.19s --> %s", tabel->name, tabel->description, txt(T_ANDER_SCHERM));
-  const Venster venster(scr_ctx->lines, 1, 1, scr_ctx->cols);
-  scr_print_tekst(A_WAARDE, 1, 1, tekst.c_str());
-  scr_flush(2);
+  if (seconden <= 0 || scr_ctx->win_count >= SCR_VENSTERS) return scr_error_tekst(tekst);
+  {
+    const Venster venster(scr_ctx->lines, 1, 1, scr_ctx->cols);
+    scr_print_tekst(A_WAARDE, 1, 1, tekst);
+    scr_flush(seconden);
+  }
+  scr_flush(0);
 }
 
 namespace {

@@ -124,25 +124,19 @@ bool stdscr_in_stapel() {
 }
 
 void hooks_vul() {
-  ix_hooks.regel = [](const char* tekst, int seconden) {
-    scr_error_tekst(tekst);
-    if (seconden <= 0) return;
-    scr_flush(seconden);
-    scr_error_tekst("");
-  };
+  ix_hooks.regel = scr_regel;
   ix_hooks.doos = scr_doos;
-  if (ix_hooks.wacht == IX_HOOKS_KAAL.wacht) ix_hooks.wacht = scr_wacht;
   ix_hooks.afbreken_aan = scr_intr_on;
   ix_hooks.afgebroken = scr_interrupted;
   ix_hooks.voortgang = scr_voortgang;
   ix_hooks.fataal = [](const char* tekst) { scr_abort_tekst(tekst); };
 }
 
-/// Whoever put in a lock report of its own keeps it.
+/// The lock report stays whose it is: it speaks through the bottom line, with or without a screen.
 void hooks_terug() {
   void (*const wacht)(ICB*) = ix_hooks.wacht;
   ix_hooks = IX_HOOKS_KAAL;
-  if (wacht != scr_wacht) ix_hooks.wacht = wacht;
+  ix_hooks.wacht = wacht;
 }
 
 /// endwin first for every screen, then delscreen: the other way round the terminal is left in

@@ -5,8 +5,6 @@
 
 #include "scr/scr.h"
 
-struct ICB;
-
 // Fields (scr/veld_staat) ------------------------------------------------------------------------
 
 /// Makes the first input record (100 bytes of text, no range, no keys) and the field work areas.
@@ -67,7 +65,7 @@ void afbreken_begin();
 /// SIGINT and SIGQUIT become keys; the old actions come back with signalen_terug.
 void signalen_vang();
 void signalen_terug();
-/// A lock was refused, for ix_hooks: names the table on the bottom line for two seconds.
-void scr_wacht(ICB*);
+/// The bottom line of ix_hooks: over whatever stands there for some seconds, or as a message.
+void scr_regel(const char* tekst, int seconden);
 /// The progress bar of ix_hooks.
 void scr_voortgang(const char* titel, int64_t deel, int64_t geheel);

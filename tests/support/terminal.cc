@@ -93,6 +93,7 @@ struct TerminalStaat {
   TerminalStaat& operator=(const TerminalStaat&) = delete;
   bool pomp();
   void herschaal();
+  void maat(int r, int c);
   void einde();
   bool rust();
   VTermScreenCell cel(int row, int col) const;
@@ -154,12 +155,16 @@ void TerminalStaat::herschaal() {
     gezien = p + 1;
     if (std::sscanf(uit.c_str() + p, "\x1b[8;%d;%dt", &r, &c) != 2) continue;
     if (r < 1 || r > 100 || c < 1 || c > 300 || (r == rows && c == cols)) continue;
-    rows = r;
-    cols = c;
-    vterm_set_size(vt, r, c);
-    const winsize maat{static_cast<unsigned short>(r), static_cast<unsigned short>(c), 0, 0};
-    ioctl(master, TIOCSWINSZ, &maat);
+    maat(r, c);
   }
+}
+
+void TerminalStaat::maat(int r, int c) {
+  rows = r;
+  cols = c;
+  vterm_set_size(vt, r, c);
+  const winsize nieuw{static_cast<unsigned short>(r), static_cast<unsigned short>(c), 0, 0};
+  ioctl(master, TIOCSWINSZ, &nieuw);
 }
 
 void TerminalStaat::einde() {
@@ -297,6 +302,8 @@ int Terminal::exit_status() {
   if (!staat->eind) ADD_FAILURE() << "the program does not end; its screen:\n" << staat->beeld();
   return staat->eind ? staat->status : -1;
 }
+
+void Terminal::resize(int rows, int cols) { staat->maat(rows, cols); }
 
 void Terminal::hang_up() {
   close(staat->slave);

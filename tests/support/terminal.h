@@ -28,8 +28,8 @@ inline constexpr const char *F1 = "\x1bOP", *F2 = "\x1bOQ", *F3 = "\x1bOR", *F4 
 }  // namespace toets
 
 struct TerminalOpties {
-  std::vector<std::string> env;  // "NAME=VALUE" over the standard ones; "NAME" takes one away
-  std::string dir;               // working directory; empty: as it is
+  std::vector<std::string> env{};  // "NAME=VALUE" over the standard ones; "NAME" takes one away
+  std::string dir{};               // working directory; empty: as it is
   int rows = 25, cols = 80;
   bool resizes = false;  // obeys the request for another size, as a configured xterm does
 };
@@ -70,6 +70,7 @@ struct Terminal {
   pid_t pid() const;
   /// Waits for the end: exit status, or 128 + signal; -1 when it does not end.
   int exit_status();
+  void resize(int rows, int cols);
   void hang_up();  // the line goes away
 
   std::unique_ptr<TerminalStaat> staat;
