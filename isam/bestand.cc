@@ -138,8 +138,10 @@ bool file_copy(const char* van, const char* naar, int hoe) {
   if (fd < 0) return false;
   bool leeg = false;
   bool goed = kopieer_in(bron.fd, fd, hoe, &leeg);
+  struct stat st;
+  const bool gewoon = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);  // a device is never removed
   if (close(fd) != 0) goed = false;
-  if (!goed && leeg) unlink(naar);
+  if (!goed && leeg && gewoon) unlink(naar);
   return goed;
 }
 

@@ -262,6 +262,7 @@ TEST_F(Bestand, ReadOnlySourceAndFullTarget) {
   EXPECT_TRUE(file_copy("a", "b", 0));
   EXPECT_EQ(lees("b"), "inhoud");
   EXPECT_FALSE(file_copy("a", "/dev/full", 1));
+  EXPECT_TRUE(file_exists("/dev/full"));
 }
 
 TEST_F(Bestand, FreshNames) {
