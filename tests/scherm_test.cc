@@ -182,10 +182,12 @@ TEST(Meldingen, ProgressBar) {
 }
 
 TEST(Toetsen, AccentsInAndOut) {
-  Terminal t = op_scherm([] {
-    scr_print(A_WAARDE, 2, 1, "caf\x82 \x84\x81\xE1 \x9C|");
-    toon_toetsen();
-  });
+  Terminal t = op_scherm(
+      [] {
+        scr_print(A_WAARDE, 2, 1, "caf\x82 \x84\x81\xE1 \x9C|");
+        toon_toetsen();
+      },
+      {{"LANG=C"}});  // even where nobody chose a locale
   EXPECT_EQ(t.row(2), "café äüß £|");
   const std::pair<const char*, int> reeks[] = {{"é", 0x82}, {"€", 0},   {"ß", 0xE1},
                                                {"\xE9", 0}, {"a", 'a'}, {"ü", 0x81}};
@@ -406,17 +408,22 @@ TEST(Terminals, LeftAsFound) {
 TEST(Terminals, EntriesComeFromTheUsersOwn) {
   const TempDir huis;
   Terminal t = start_in_child(
-      [] {
+      [&huis] {
         const bool eerst = terminfo_aanwezig("vt220");
         const bool gemaakt = terminfo_maak("vt220", nullptr);
         const bool slecht = terminfo_maak("../x", nullptr) || terminfo_maak("", nullptr);
         const bool daarna = terminfo_aanwezig("vt220");
+        std::filesystem::remove(huis / ".terminfo/V/Vt220-w");
         SCRINIT();
-        scr_print(A_WAARDE, 1, 1, "%d%d%d%d", eerst, gemaakt, slecht, daarna);
-        wacht();
+        scr_print(A_WAARDE, 2, 1, "%d%d%d%d", eerst, gemaakt, slecht, daarna);
+        naar_breed();
         scr_exit(0);
       },
       {{"TERM=vt220", "HOME=" + huis.pad}});
-  EXPECT_EQ(t.row(1), "0101");
-  EXPECT_EQ(eind(t), 0);
+  EXPECT_EQ(t.row(1), "breed 25 80");  // without an entry for the wide one
+  t.type("x");
+  EXPECT_EQ(t.row(2), "0101");
+  EXPECT_EQ(t.row(3), "gewoon");
+  t.type("x");
+  EXPECT_EQ(t.exit_status(), 0);
 }
