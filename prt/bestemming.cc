@@ -202,9 +202,7 @@ bool prt_device_mag(std::string_view device) {
 
 FILE* prt_spool_nieuw(char* naam, size_t grootte) {
   for (int poging = 0; poging < 100; ++poging) {
-    const char* pad = file_temp(".", "PR");
-    const char* streep = std::strrchr(pad, '/');
-    str_printf(naam, grootte, "%s", streep == nullptr ? pad : streep + 1);
+    str_printf(naam, grootte, "%s", file_temp("", "PR", 0));
     if (naam[0] == 0) return nullptr;
     const int fd = open(naam, O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0660);
     if (fd >= 0) {

@@ -37,6 +37,7 @@ FILE* prt_spool_nieuw(char* naam, size_t grootte);
 bool prt_device_mag(std::string_view device);
 
 // prt/kopieen: the file to the destination in the record; each leaves no file behind.
+extern int prt_wacht_ms;  // how long the operator waits for a copy at most
 void prt_naar_lp(const char* lp_opties);
 void prt_naar_device();
 void prt_naar_map();

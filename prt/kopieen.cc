@@ -18,9 +18,9 @@
 #include "prt/teksten.h"
 #include "scr/scr.h"
 
-namespace {
+int prt_wacht_ms = 10000;
 
-constexpr int WACHT_MS = 10000;
+namespace {
 
 std::string cat_naar(const std::string& bestand, const std::string& device) {
   return "cat " + sh_quote(bestand) + " >>" + sh_quote(device);
@@ -54,7 +54,7 @@ bool kopie_door(std::string& bestand, int rest) {
   }
   sh_systeem("(" + cat_naar(oud, prt_rec.device) + "; cp " + sh_quote(oud) + " " + sh_quote(nieuw) +
              "; rm " + sh_quote(oud) + ") &");
-  if (!sh_wacht_weg(oud.c_str(), WACHT_MS, nullptr)) {
+  if (!sh_wacht_weg(oud.c_str(), prt_wacht_ms, nullptr)) {
     alle_ineens(nieuw, rest, "while test -e " + sh_quote(oud) + "; do sleep 1; done; ");
     bestand.clear();
     return false;
@@ -98,7 +98,7 @@ void naar_andere_poort() {
   for (int n = 0; n < prt_rec.copies; ++n) {
     int klaar = -1;
     sh_systeem("(cat " + bestand + " > " + sh_quote(prt_rec.device) + ") &", &klaar);
-    sh_wacht_klaar(klaar, WACHT_MS, prt_onderbroken);
+    sh_wacht_klaar(klaar, prt_wacht_ms, prt_onderbroken);
     if (prt_onderbroken()) break;
   }
   sh_systeem("(rm " + bestand + ") &");
@@ -116,7 +116,7 @@ void merk_gereed(const std::string& pad) {
       return;
     }
     if (errno != EEXIST) break;
-    gereed = file_temp(pad.substr(0, naam).c_str(), "TR");
+    gereed = pad.substr(0, naam) + file_temp(pad.substr(0, naam).c_str(), "TR", 0);
   }
   if (access(gereed.c_str(), F_OK) != 0) std::rename(pad.c_str(), gereed.c_str());
 }
