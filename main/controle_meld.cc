@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 
 #include "isam/base.h"
 #include "isam/io.h"
@@ -81,8 +80,7 @@ void paneel_kop() {
 
 }  // namespace
 
-// Fatal reporters
-// -----------------------------------------------------------------------------------
+// Fatal reporters ---------------------------------------------------------------------------------
 
 void ctl_nomem(const char* module, int nr) {
   scr_abort("%s: %s (nr=%d)", module_naam(module), txt(T_CTL_GEEN_GEHEUGEN), nr);
@@ -108,8 +106,7 @@ void ctl_badstart(int code) {
   scr_abort("%s %s %d", ctl_eigen_naam(), txt(T_CTL_FOUTIEF_GESTART), code);
 }
 
-// Locks
-// ------------------------------------------------------------------------------------------------
+// Locks -------------------------------------------------------------------------------------------
 
 std::string ctl_lockholder(const char* tekst, int fd, int64_t offset, int64_t lengte) {
   TerminalRec rec{};
@@ -129,18 +126,13 @@ std::string ctl_lockholder(const char* tekst, int fd, int64_t offset, int64_t le
 
 void ctl_slot_wacht(ICB* icb) {
   const Bereik b = in_de_weg(icb);
-  if (scr_ctx != nullptr) {
-    scr_error("%-.11s: %-.19s --> %s", icb->name, icb->description,
-              ctl_lockholder("", b.fd, b.offset, b.lengte));
-    scr_flush(0);
-  }
-  const timespec twee{2, 0};
-  nanosleep(&twee, nullptr);
-  if (scr_ctx != nullptr) scr_error("");
+  const std::string tekst = str_format("%-.11s: %-.19s --> %s", icb->name, icb->description,
+                                       ctl_lockholder("", b.fd, b.offset, b.lengte));
+  ix_hooks.regel(tekst.c_str(), 2);
+  ix_hooks.regel("", 0);
 }
 
-// The panel
-// ----------------------------------------------------------------------------------------------
+// The panel ---------------------------------------------------------------------------------------
 
 void ctl_diag() {
   const IngBewaar velden;
@@ -155,8 +147,7 @@ void ctl_diag() {
   scr_enter(8, 2);
 }
 
-// Names and logs
-// -------------------------------------------------------------------------------------------
+// Names and logs ----------------------------------------------------------------------------------
 
 void ctl_ttyname(char* buffer, size_t grootte) {
   std::memset(buffer, 0, grootte);

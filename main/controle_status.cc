@@ -105,8 +105,7 @@ std::string ctl_status_text(const char* tekst) {
   return {};
 }
 
-// The result of the back-up
-// ---------------------------------------------------------------------------
+// The result of the back-up -----------------------------------------------------------------------
 
 namespace {
 

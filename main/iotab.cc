@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 
 #include "isam/base.h"
 #include "isam/io.h"
@@ -73,13 +72,8 @@ void geef_vrij(const Aanroep& a) {
 // One round of waiting: who holds it, for two seconds on the bottom line.
 void wacht(const Aanroep& a) {
   const std::string houder = ctl_lockholder("", fd, plaats(a), a.tabel.lengte);
-  if (scr_ctx != nullptr) {
-    scr_error("%s%s", txt(T_CTL_SYSTEEM), houder);
-    scr_flush(0);
-  }
-  const timespec twee{2, 0};
-  nanosleep(&twee, nullptr);
-  if (scr_ctx != nullptr) scr_error("");
+  ix_hooks.regel((txt(T_CTL_SYSTEEM) + houder).c_str(), 2);
+  ix_hooks.regel("", 0);
 }
 
 bool slot_en_lees(const Aanroep& a) {

@@ -33,8 +33,7 @@ std::string doe(const std::string& opdracht) {
   return iotab(opdracht[0], &nummer, rec, tabel) ? "ja" : "nee";
 }
 
-// The system file
-// -------------------------------------------------------------------------------------
+// The system file ---------------------------------------------------------------------------------
 
 TEST_F(Sessie, RecordsLieWhereTheTablesSay) {
   ProefSysteem::open();
@@ -178,8 +177,7 @@ TEST_F(Sessie, WhoHoldsALock) {
   EXPECT_EQ(ctl_lockholder("", fd, 256, 64), onbekend);
 }
 
-// Branches and tills
-// --------------------------------------------------------------------------------------
+// Branches and tills ------------------------------------------------------------------------------
 
 TEST_F(Sessie, BranchRecords) {
   ProefSysteem::open();
@@ -248,8 +246,7 @@ TEST_F(Sessie, Tills) {
   pairs_free();
 }
 
-// Status
-// ---------------------------------------------------------------------------------------------------
+// Status ------------------------------------------------------------------------------------------
 
 TEST_F(Sessie, StatusTexts) {
   EXPECT_EQ(ctl_status_text("vrije tekst"), "vrije tekst");
@@ -305,8 +302,7 @@ TEST_F(Sessie, StatusOfTheTerminalKeepsTheLock) {
   EXPECT_EQ(ander.ask("Tt7"), "nee");
 }
 
-// Back-up, log
-// --------------------------------------------------------------------------------------------------
+// Back-up, log ------------------------------------------------------------------------------------
 
 std::string datumregel(int dagen_geleden) {
   static const char* maanden[] = {"jan",  "feb", "maart", "april", "mei", "juni",
