@@ -36,12 +36,16 @@ extern int32_t merk_aantal;     // brands in the list
 extern bool merk_een;           // exactly one
 inline constexpr uint8_t SEL_LIJST = 254, SEL_INGEVOERD = 255;
 
+/// Starts a kind: brand list removed, fields set up, slot 0 read. 0 takes back the last selection.
 void sel_start(int soort);
+/// A kind with nothing entered; touches no file.
+void sel_standaard(int soort);
 void sel_velden();
 void sel_scherm();
 void sel_aanvullen();
 void sel_toon(char letter);
 void sel_ingave(char letter);
+/// Lines into the report in hand: the whole selection under a head of its own; only what was set.
 void sel_druk();
 void sel_kop();
 void sel_filialen(const uint8_t map[32]);

@@ -1,10 +1,10 @@
-// The operator's series selection DTSER.Vnn, which outlives the run: its sort order (also in the file's
-// header) and whether it holds anything.
+// The series selection that advice commands keep between runs: DTSER.Vnn and its sort order.
 #pragma once
 
+/// Key letters of DTSER.Vnn as they stand in its header, and whether it holds any series.
 extern char serie_sortering[20];
 extern bool serie_gevuld;
 
-/// Changes the selection: asks the order, whether it is to be emptied first, the criteria, and adds
-/// the series that pass.
+/// "Selecteren series": asks for the order, whether to empty what stands, and adds what the
+/// criteria select; or empties the selection outright.
 void serie_selectie();
