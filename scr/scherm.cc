@@ -162,7 +162,7 @@ void tekendevices_dicht() {
 
 void term_stuur(const char* capability) {
   const char* s = tigetstr(capability);
-  if (s == nullptr || s == reinterpret_cast<const char*>(-1)) return;
+  if (s == nullptr) return;
   putp(s);
   std::fflush(stdout);  // putp writes through stdio, ncurses past it
 }

@@ -211,8 +211,7 @@ const char* key_name(int key, char* buffer) {
 int toets_eerste_byte(int key) {
   const char* naam = key == TOETS_CANCEL ? "kcan" : key == TOETS_EXIT ? "kext" : "khlp";
   const char* s = scr_ctx == nullptr ? nullptr : tigetstr(naam);
-  if (s == nullptr || s == reinterpret_cast<const char*>(-1)) return 0;
-  return static_cast<uint8_t>(*s);
+  return s == nullptr ? 0 : static_cast<uint8_t>(*s);
 }
 
 bool macro_speelt() { return speelt; }

@@ -118,8 +118,8 @@ void scr_attr(int attr) {
 int scr_print_tekst(int attr, int row, int col, const char* tekst) {
   if (scr_ctx == nullptr) return naar_uitvoer(tekst, "\n"), 0;
   if (scr_stil() || row < 1 || col < 1 || row > win_height() || col > win_width()) return 0;
-  const std::string_view stuk =
-      std::string_view(tekst).substr(0, static_cast<size_t>(win_width() - col + 1));
+  const int ruimte = win_width() - col + 1;
+  const std::string_view stuk = std::string_view(tekst).substr(0, static_cast<size_t>(ruimte));
   scr_attr(attr);
   scr_move(row, col);
   scr_out(venster_nu(), stuk);

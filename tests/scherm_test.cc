@@ -285,6 +285,13 @@ TEST(Afbreken, TheLastScreen) {
   for (const char* toets : {"x", "\x03", "\r"}) t.type(toets);
   EXPECT_EQ(t.exit_status(), 1);
 
+  Terminal diep = op_scherm([] {
+    for (;;) win_open1(2, 2, 3, 3);
+  });
+  EXPECT_TRUE(diep.shows("win_open : Teveel vensters open"));
+  diep.type("\r");
+  EXPECT_EQ(diep.exit_status(), 1);
+
   Terminal dicht = start_in_child([] { ix_hooks = IX_HOOKS_KAAL, scr_abort("vroeg"); });
   EXPECT_TRUE(dicht.shows("PROGRAMMA AFGEBROKEN\nvroeg\nNeem contact op met de Support-groep"));
   dicht.type("\r");
