@@ -34,7 +34,7 @@ constexpr int TERMINALS = 5;
 constexpr int WACHT_MAAT_MS = 300;  // for a window to take another size
 
 termios echo_bewaard;
-bool echo_uit = false;
+bool echo_bekend = false;
 struct sigaction stop_bewaard;
 
 struct ToetsRij {
@@ -57,15 +57,16 @@ void locale_zet() {
 }
 
 void echo_weg() {
-  if (tcgetattr(0, &echo_bewaard) != 0) return;
-  termios zonder = echo_bewaard;
+  if (!echo_bekend) return;
+  termios zonder{};
+  if (tcgetattr(0, &zonder) != 0) return;
   zonder.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-  echo_uit = tcsetattr(0, TCSADRAIN, &zonder) == 0;
+  tcsetattr(0, TCSADRAIN, &zonder);
 }
 
 void echo_terug() {
-  if (echo_uit) tcsetattr(0, TCSADRAIN, &echo_bewaard);
-  echo_uit = false;
+  if (echo_bekend) tcsetattr(0, TCSADRAIN, &echo_bewaard);
+  echo_bekend = false;
 }
 
 /// A stopped program would keep its locks: Ctrl+Z does nothing while the screen is open.
@@ -223,13 +224,14 @@ void SCRINIT() {
   uit_begin();
   melding_begin();
   afbreken_begin();
-  echo_weg();
+  echo_bekend = tcgetattr(0, &echo_bewaard) == 0;
   stop_weg();
   signalen_vang();  // before newterm, which would put its own handlers in between
   veld_begin();
   use_env(FALSE);
   if (std::getenv("ESCDELAY") == nullptr) set_escdelay(50);
   scr_term_open("");
+  echo_weg();  // behind newterm: what ncurses gives back after a kill has it still on
   hooks_vul();
   macro_stop();
   scr_busy_suppress();
