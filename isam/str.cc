@@ -61,8 +61,8 @@ void str_put(char* tekst, char teken, int positie) {
 }
 
 void str_ins(char* tekst, const char* invoeg, int positie) {
-  const size_t n = std::strlen(invoeg);
-  if (maak_gat(tekst, n, positie)) std::memcpy(tekst + positie, invoeg, n);
+  const std::string_view stuk(invoeg);
+  if (maak_gat(tekst, stuk.size(), positie)) stuk.copy(tekst + positie, stuk.size());
 }
 
 int str_chr(char teken, const char* tekst) {

@@ -5,7 +5,8 @@
 
 namespace {
 
-const nl_catd DICHT = reinterpret_cast<nl_catd>(-1);
+// The mark that catopen itself gives for "not open".
+const nl_catd DICHT = reinterpret_cast<nl_catd>(-1);  // NOLINT(performance-no-int-to-ptr)
 nl_catd catalogi[2] = {DICHT, DICHT};
 
 }  // namespace

@@ -87,7 +87,7 @@ TEST(Teksten, NoNumberTwiceInASetAndNoSectionLeftOut) {
   EXPECT_EQ(rijen.size(), rijen_van_de_catalogus());
 }
 
-// A marker behind every text shows that the catalogue answers, not the default.
+// Asked with a default of its own, so that only the catalogue can give the right answer.
 TEST(Teksten, BuiltCataloguesHoldTheDefaultsByteForByte) {
   wijs_naar(BUILD_DIR "/nls");
   teksten_open();
