@@ -17,14 +17,15 @@ namespace {
 
 void meld_bezet() { FFLASH(1, 1, 0, "", txt(T_IX_IN_GEBRUIK)); }
 
-/// Locks from the end of the file on. The end may move between looking and locking.
+/// Locks from the end of the file on; the end may move between looking and locking.
 bool slot_aan_einde(int fd, int64_t length) {
-  const off_t einde = lseek(fd, 0, SEEK_END);
-  if (lockf(fd, F_TLOCK, length) != 0) return false;
-  if (lseek(fd, 0, SEEK_END) == einde) return true;
-  lseek(fd, einde, SEEK_SET);
-  static_cast<void>(lockf(fd, F_ULOCK, length));
-  return slot_aan_einde(fd, length);
+  for (;;) {
+    const off_t einde = lseek(fd, 0, SEEK_END);
+    if (lockf(fd, F_TLOCK, length) != 0) return false;
+    if (lseek(fd, 0, SEEK_END) == einde) return true;
+    lseek(fd, einde, SEEK_SET);
+    static_cast<void>(lockf(fd, F_ULOCK, length));
+  }
 }
 
 }  // namespace
