@@ -165,8 +165,13 @@ void scr_clrbot(int row, int col) {
 }
 
 int scr_print_all_tekst(int attr, int row, int col, const char* tekst) {
-  const OpBasis basis;
-  return scr_print_tekst(attr, row, col, tekst);
+  int lengte;
+  {
+    const OpBasis basis;
+    lengte = scr_print_tekst(attr, row, col, tekst);
+  }
+  if (scr_ctx != nullptr) scr_toon();
+  return lengte;
 }
 
 void scr_pijl(int attr, int row, int col, bool rechts) {
