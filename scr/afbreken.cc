@@ -121,6 +121,8 @@ void scr_abort_tekst(const char* tekst) {
   if (scr_hooks.afbreken != nullptr) scr_hooks.afbreken();
   if (scherm_bruikbaar())
     meld_op_scherm(melding.c_str());
+  else if (scr_hooks.kaal != nullptr)
+    scr_hooks.kaal(melding.c_str());
   else
     meld_op_uitvoer(melding.c_str());
   while (scr_ctx != nullptr && scr_ctx->win_count > 1) win_close();

@@ -128,6 +128,7 @@ void scr_term_open(const char* naam);
 struct ScrHooks {
   void (*afbreken)();                     // called by scr_abort before the report
   void (*programma_info)();               // K_F10 in a menu: the program-information window
+  void (*kaal)(const char* tekst);        // scr_abort without a screen: replaces report and wait
 };
 extern ScrHooks scr_hooks;
 
