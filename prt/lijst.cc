@@ -25,7 +25,6 @@ struct Tabel {
 
 void configuraties(ICB* tabel, int widths, const PrtKeuze& basis, std::vector<PrtKeuze>& lijst) {
   PrtKeuze keuze = basis;
-  keuze.met_configuratie = true;
   PtrpRec& rec = keuze.configuratie;
   rec = PtrpRec{};
   rec.tr_code = basis.printer.tr_code;

@@ -7,12 +7,13 @@
 
 #include "prt/tabellen.h"
 
-struct PrtKeuze {
+/// The packed records keep their numbers on even places here.
+struct alignas(4) PrtKeuze {
   PtrgRec printer;
   PtrcRec verbinding;
   PtrpRec configuratie;
-  bool met_configuratie;
 };
+static_assert(sizeof(PrtKeuze) == 16 + 64 + 284);
 
 /// The width mask of a report against a configuration.
 bool prt_past(int widths, int columns, int rows) noexcept;

@@ -42,6 +42,7 @@ struct Rapport {
 
 void maak_rapport(const Rapport& r) {
   SCRINIT();
+  scr_print(0, 10, 5, "Het scherm van het programma");
   XPRT_OPEN(static_cast<uint32_t>(PRT_BESTAND), r.breedte == 132 ? PRT_132 : PRT_80, "uit.lst");
   prt_rec.to_screen = 1;
   std::strcpy(prt_rec.device, r.device);
@@ -208,9 +209,11 @@ TEST(Voorbeeld, AWideReportScrollsOnANarrowTerminal) {
 TEST(Voorbeeld, AWideReportOnAWideTerminalStandsThereWhole) {
   Kijk k({132, 1, 5, "uit.lst"}, 132);
   EXPECT_TRUE(k.t.row(2).ends_with("rechts 2")) << k.t.screen();
+  EXPECT_FALSE(k.t.shows("Het scherm"));
   k.t.type("n");
   EXPECT_EQ(k.klaar(), "355");
   EXPECT_EQ(k.t.row(1), "Terug in het programma");
+  EXPECT_EQ(k.t.row(10), "    Het scherm van het programma") << k.t.screen();
 }
 
 TEST(Voorbeeld, PrintGoesOnWithTheCopies) {
@@ -227,8 +230,10 @@ TEST(Voorbeeld, PrintGoesOnWithTheCopies) {
 TEST(Voorbeeld, LeavingPrintsNothingAndLeavesNothing) {
   for (const char* weg : {toets::Esc, toets::Cancel, "n"}) {
     Kijk k;
+    EXPECT_FALSE(k.t.shows("Het scherm"));
     k.t.type(weg);
     EXPECT_EQ(k.klaar(), "355");
+    EXPECT_EQ(k.t.row(10), "    Het scherm van het programma") << k.t.screen();
     EXPECT_TRUE(k.spool_weg());
     EXPECT_FALSE(fs::exists(k.map / "uit.lst"));
   }
