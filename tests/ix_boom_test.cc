@@ -167,6 +167,9 @@ struct Wandeling {
   ICB vorm;  // definitions only
   std::vector<std::map<std::string, int32_t, Orde>> model;
   std::map<int32_t, ProefRec> records;
+  bool dichtbij = false;  // each handle works in a corner of its own
+  int32_t hoek[3] = {0, 200, 400};
+  size_t beurt = 0;
 
   Wandeling(unsigned zaad, const std::vector<ICB*>& h) : toeval(zaad), handvat(h), vorm(*h[0]) {
     for (int k = 1; k <= vorm.key_count; ++k) model.emplace_back(Orde{&vorm, k});
@@ -191,6 +194,7 @@ struct Wandeling {
     for (unsigned n = 1 + trek(5); n > 0; --n) tekst += delen[trek(12)];
     strncpy(r.naam, naam.c_str(), sizeof r.naam);
     strncpy(r.tekst, tekst.c_str(), sizeof r.tekst);
+    if (dichtbij) r.nummer = hoek[beurt] += trek(60) == 0 ? 1 : 0;
     return r;
   }
 
@@ -268,7 +272,8 @@ struct Wandeling {
 
   void ga(int stappen) {
     for (int stap = 0; stap < stappen; ++stap) {
-      ICB* icb = handvat[trek(static_cast<unsigned>(handvat.size()))];
+      beurt = trek(static_cast<unsigned>(handvat.size()));
+      ICB* icb = handvat[beurt];
       const unsigned wat = trek(10);
       // Growing and shrinking by turns, so that blocks split and blocks run empty.
       if (wat < 4)
@@ -289,12 +294,13 @@ void wandel(const char* k1, const char* k2, const char* k3) {
   ICB* icb = IXCREATE("WANDEL", IX_EXCLUSIEF);
   IXUPDFCB(icb, 0, "Wandeling,64");
   IXUPDFCB(icb, 1, k1);
-  IXUPDFCB(icb, 2, k2);
+  if (k2 != nullptr) IXUPDFCB(icb, 2, k2);
   if (k3 != nullptr) IXUPDFCB(icb, 3, k3);
   IXINITIX(icb);
   IXCLOSE(icb);
   // Three handles take turns: each stands where the others have changed the tree since.
   Wandeling w(zaad, {IXOPEN("WANDEL", 2), IXOPEN("WANDEL", 2), IXOPEN("WANDEL", 2)});
+  w.dichtbij = k2 == nullptr;
   w.ga(9000);
   for (ICB* h : w.handvat) IXCLOSE(h);
   EXPECT_EQ(tabel_fouten("WANDEL"), "");
@@ -305,6 +311,8 @@ void wandel(const char* k1, const char* k2, const char* k3) {
 TEST_F(Boom, RandomWalkOnIntegers) {
   wandel("nummer,I,1,4,C,17,62", "groep,I,15,16,C,17,54", nullptr);
 }
+// One key only: a handle stays on its leaf while the others split and empty the blocks above it.
+TEST_F(Boom, RandomWalkFromStaleLeaves) { wandel("nummer,I,1,4,C,17,64", nullptr, nullptr); }
 TEST_F(Boom, RandomWalkOnText) {
   wandel("naam,C,17,64,I,1,4", "tekst,C,17,60,I,15,16", "kort,C,5,14");
 }
