@@ -12,11 +12,10 @@ namespace {
 constexpr uint8_t STATUS_LOOPT = 1, STATUS_SCHRIJVEN = 11, STATUS_WISSEN = 12;
 
 struct Control {
-  Control(uint8_t status, char actie) {
+  explicit Control(char actie) {
     ink_moet_open();
     ink.actie = actie;
     iotab('X', &nummer, &rec, SYS_RECORDS);  // a fresh record is all zero: false, but locked
-    ctl_set_status(status);
   }
   ~Control() {
     iotab('W', &nummer, &rec, SYS_RECORDS);
@@ -135,22 +134,25 @@ void maak_ruimte(Control& control, const DtIpa& nieuw) {
   }
 }
 
-/// Deletes the set that `nieuw` is an edit of; true when the new period lies inside the old one.
-bool vervang_oude(Control& control, const DtIpa& nieuw) {
+/// The set that `nieuw` is an edit of: its groups still have the period end of its key.
+DtIpa lees_oude(const DtIpa& nieuw) {
   DtIpg groep;
   ink_lees_groep(nieuw.groep1, Niveau::fataal, &groep, nullptr);
   DtIpa oud = nieuw;
   oud.eind = groep.eind;  // the caller may have changed the record's
   ink_moet_er_zijn(&oud);
-  wis_set(control, oud);
-  return nieuw.begin >= oud.begin && nieuw.eind <= oud.eind;
+  return oud;
 }
 
 }  // namespace
 
 void ipa_schrijf(DtIpa* rec) {
-  Control control(STATUS_SCHRIJVEN, 'W');
-  const bool binnen = rec->groep1 != -1 && vervang_oude(control, *rec);
+  Control control('W');
+  const bool wijziging = rec->groep1 != -1;
+  const DtIpa oud = wijziging ? lees_oude(*rec) : DtIpa{};
+  ctl_set_status(STATUS_SCHRIJVEN);  // what ended the program up to here has changed nothing
+  if (wijziging) wis_set(control, oud);
+  const bool binnen = wijziging && rec->begin >= oud.begin && rec->eind <= oud.eind;
   if (!binnen) maak_ruimte(control, *rec);
   std::memset(rec->maten, 0, sizeof rec->maten);
   for (Prijsgroep& groep : prijsgroepen) {
@@ -166,13 +168,15 @@ void ipa_schrijf(DtIpa* rec) {
 }
 
 void ipa_wis(DtIpa* rec) {
-  Control control(STATUS_WISSEN, 'D');
+  Control control('D');
   ink_moet_er_zijn(rec);
+  ctl_set_status(STATUS_WISSEN);
   wis_set(control, *rec);
 }
 
 void ipa_wis_serie(const Serienr& nr) {
-  Control control(STATUS_WISSEN, 'D');
+  Control control('D');
+  ctl_set_status(STATUS_WISSEN);
   DtIpa vanaf{};
   vanaf.nr = nr;
   for (const DtIpa& set : alle_sets(vanaf, 1, 3)) wis_set(control, set);

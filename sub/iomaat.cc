@@ -186,7 +186,7 @@ MaatHandle* mtkeep(MaatHandle** slot, uint8_t land, uint8_t maatsoort, const uin
     *slot = nullptr;
   }
   if (*slot == nullptr) *slot = mtopen(land, maatsoort, 0);
-  mtbits(*slot, bits);
+  if (bits != nullptr) mtbits(*slot, bits);
   return *slot;
 }
 

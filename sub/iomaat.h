@@ -20,7 +20,7 @@ inline constexpr int MT_VERTAALD = 1, MT_WIJZIG = 2;
 MaatHandle* mtopen(uint8_t land, uint8_t maatsoort, int vlaggen);
 void mtclose(MaatHandle*);
 void mtbits(MaatHandle*, const uint8_t bits[12]);
-/// Keeps a handle in the caller's slot over series of one size type.
+/// Keeps a handle in the caller's slot over series of one size type; null bits leave its map alone.
 MaatHandle* mtkeep(MaatHandle** slot, uint8_t land, uint8_t maatsoort, const uint8_t bits[12]);
 /// 'F', 'N', 'P', 'R' by key 1 index, 2 position, 3 text, 4 rank in the bit map. False: untouched.
 bool mtread(MaatHandle*, char actie, MaatRec*, int sleutel);

@@ -172,6 +172,12 @@ TEST_F(Veld, TheListHasSeriesOneAndKeepsTheOthers) {
   t.type("J\r");
   EXPECT_FALSE(t.shows("winkels"));
   EXPECT_TRUE(t.shows("alle filialen        alle"));
+  t.type("T");
+  t.type("leeg\r");
+  t.type("\r");  // no set is every branch
+  EXPECT_TRUE(t.shows("leeg                 alle"));
+  t.type("V");
+  t.type("J\r");
   t.type("V");
   t.type("J\r");  // series 1 comes back
   EXPECT_TRUE(t.shows("alle filialen        alle"));
