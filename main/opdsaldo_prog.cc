@@ -1,5 +1,5 @@
-// opdsaldo: the balance of provisional orders. One link in a chain of programs that replace each other
-// by exec on the same terminal; the chain starts and ends in the launcher.
+// opdsaldo: the balance of provisional orders. One link in a chain of programs that replace each
+// other by exec on the same terminal; the chain starts and ends in the launcher.
 #include "main/controle.h"
 #include "main/saldo.h"
 #include "main/work.h"

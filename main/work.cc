@@ -1,5 +1,5 @@
-// What a run opens before its top menu and closes behind it, in a fixed order: later steps depend on
-// earlier ones, and the first missing table is the one that is named.
+// What a run opens before its top menu and closes behind it, in a fixed order: later steps depend
+// on earlier ones, and the first missing table is the one that is named.
 #include "main/work.h"
 
 #include <fcntl.h>
@@ -42,12 +42,10 @@ struct OpenTabel {
   int mode;
 };
 constexpr OpenTabel TABELLEN[] = {
-    {&dtart, "DTART", IX_LEES},       {&dtean, "DTEAN", IX_GEDEELD},
-    {&dtgo, "DTGO", IX_GEDEELD},      {&dtfin, "DTFIN", IX_GEDEELD},
-    {&dtio, "DTIO", IX_GEDEELD},      {&dtlev, "DTLEV", IX_LEES},
-    {&dtkoers, "DTKOERS", IX_LEES},   {&dtmaat, "DTMAAT", IX_LEES},
-    {&dtmerk, "DTMERK", IX_LEES},     {&dtmtom, "DTMTOM", IX_LEES},
-    {&dtpick, "DTPICK", IX_GEDEELD},  {&dtser, "DTSER", IX_GEDEELD},
+    {&dtart, "DTART", IX_LEES},      {&dtean, "DTEAN", IX_GEDEELD},   {&dtgo, "DTGO", IX_GEDEELD},
+    {&dtfin, "DTFIN", IX_GEDEELD},   {&dtio, "DTIO", IX_GEDEELD},     {&dtlev, "DTLEV", IX_LEES},
+    {&dtkoers, "DTKOERS", IX_LEES},  {&dtmaat, "DTMAAT", IX_LEES},    {&dtmerk, "DTMERK", IX_LEES},
+    {&dtmtom, "DTMTOM", IX_LEES},    {&dtpick, "DTPICK", IX_GEDEELD}, {&dtser, "DTSER", IX_GEDEELD},
     {&dtaanv, "DTAANV", IX_GEDEELD},
 };
 
