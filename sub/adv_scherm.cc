@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int K_NUMMER = 2, K_KOP = 4, K_WAARDE = 46;
+constexpr int K_NUMMER = 2, K_KOP = 4, K_WAARDE = 47;
 constexpr int RIJ_OPDRACHT = 3, RIJ_BEREKENEN = 6, RIJ_ADVIEZEN = 10, RIJ_VOORRAAD = 17;
 constexpr int K_FILIALEN = 30, K_SOORT = 30, K_VANAF = 33, K_VAN = 39, K_TM_WOORD = 46, K_TM = 54;
 constexpr int32_t MAXIMUM = 99999, VRK_DEFAULT = 32767, PCT_ALLE = 100;
@@ -83,7 +83,7 @@ void toon_antwoord(int i) {
   const int rij = RIJ_ADVIEZEN + 1 + i;
   const Antwoord& a = ANTWOORDEN[i];
   scr_clreol(rij, 1);
-  scr_print(A_LABEL, rij, K_KOP, "%-40s: ", txt(*a.tekst));
+  scr_print(A_LABEL, rij, K_KOP, "%-41s: ", txt(*a.tekst));
   scr_print(A_WAARDE, rij, K_WAARDE, "%s", txt(adv_rec.*a.veld != 0 ? T_ADV_JA : T_ADV_NEE));
 }
 

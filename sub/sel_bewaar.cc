@@ -51,6 +51,7 @@ void lijst_search(BrwRec* b) {
   const int rij = brw_search_row();
   uint32_t slot = 0;
   char tekst[2] = {};
+  scr_clreol(rij, 1);
   scr_print(A_LABEL, rij, 2, "%s", txt(T_SEL_SELECTIENUMMER));
   const int kolom = 3 + static_cast<int>(strlen(txt(T_SEL_SELECTIENUMMER)));
   INGAVE(rij, kolom, "1s[123456789],I", &tekst[0]);
