@@ -1,0 +1,328 @@
+// The criteria screen as an operator sees it: fields, their defaults, refusals, saving and
+// recalling.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "scr/scr.h"
+#include "sub/sel_intern.h"
+#include "sub/sel_merken.h"
+#include "tests/support/keten.h"
+#include "tests/support/terminal.h"
+
+namespace {
+
+constexpr const char *Enter = toets::Enter, *Esc = toets::Esc;
+std::string in(const char* tekst) { return std::string(tekst) + Enter; }
+
+struct Scherm : testing::Test {
+  Keten k;
+  void SetUp() override {
+    k.open();
+    for (const uint16_t nr : {uint16_t{5}, uint16_t{7}, uint16_t{123}}) {
+      DtMerk m{};
+      m.nummer = nr;
+      veld_zet(m.naam, sizeof m.naam, nr == 7 ? "Zilt" : "Duinroos");
+      veld_zet(m.zoeknaam, sizeof m.zoeknaam, nr == 7 ? "ZILT" : "DUIN");
+      Keten::voeg(dtmerk, m);
+    }
+    k.sluit();
+  }
+  /// The screen of a kind; behind it some of the record and the statuses stand on rows 2 and 3.
+  Terminal start(int soort) {
+    return start_in_child([this, soort] {
+      k.open();
+      sys_rec1.opties2 = 4;
+      SCRINIT();
+      sel_start(soort);
+      sel_scherm();
+      const SelRec r = sel_rec;
+      sel_aanvullen();
+      scr_clrbot(2, 1);
+      scr_print(A_WAARDE, 2, 1, "m%hu a%ld-%ld k%hu-%hu dg[%s] sz[%s] j%hu-%hu h%d.", r.merk,
+                r.artgroep_van, r.artgroep_tm, r.kleur_van, r.kleur_tm, r.doelgroep, r.seizoen,
+                r.jaar_van, r.jaar_tm, r.stdmod);
+      scr_print(A_WAARDE, 3, 1, "d%hu-%hu v%ld-%ld w%d%d p%d oms[%s] aangevuld %hu-%hu.", r.dat_van,
+                r.dat_tm, r.voorraad_van, r.voorraad_tm, r.verwijderen, r.verwijder_soort,
+                r.prijzen, veld_tekst(r.sel_oms, 30), sel_rec.jaar_van, sel_rec.jaar_tm);
+      scr_enter(22, 1);
+      scr_exit(0);
+    });
+  }
+};
+
+TEST_F(Scherm, TheStockKindShowsThirteenFieldsNumberedToTwentyOne) {
+  Terminal t = start(13);
+  EXPECT_EQ(t.row(1).substr(0, 17), " Selectiecriteria");
+  EXPECT_ROWS(t, 2, R"(
+VOORRAADBEHEER
+ 11 Merk                 alle
+ 12 Artikelgroep  vanaf  eerste
+ 13 Artikelgroep  t/m    laatste
+ 14 Model                alle
+ 15 Kenmerk              alle
+ 16 Kleurnummer   vanaf  eerste
+ 17 Kleurnummer   t/m    laatste
+ 18 Doelgroep            alle
+ 19 Standaard/modisch    beide
+    Jaar          vanaf  eerste
+    Jaar          t/m    laatste
+ 20 Hoofdseizoen(Z,W,K)  heel jaar
+ 21 Deelseizoen          alle
+)");
+  EXPECT_TRUE(t.reverse(3, 2));
+  EXPECT_EQ(t.row(24), "Uw keuze _ I, W, B, O, A");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("m0 a0-0 k0-0"));
+  EXPECT_TRUE(t.shows("aangevuld 0-29990"));
+  EXPECT_EQ(file_size("DTSEL013.000"), 32 + 13 * 2);
+}
+
+TEST_F(Scherm, StandardSeriesHaveNoYears) {
+  Terminal t = start(13);
+  t.type("19");
+  t.type(in("s"));
+  EXPECT_EQ(t.text(11, 26, 9), "standaard");
+  EXPECT_EQ(t.text(12, 26, 8), "geen    ");
+  EXPECT_EQ(t.text(13, 26, 8), "geen    ");
+  t.type("19");
+  t.type(in("M"));
+  EXPECT_EQ(t.text(11, 26, 9), "modisch  ");
+  EXPECT_EQ(t.text(13, 26, 8), "laatste ");
+  t.type(in("22"));  // the field stands on the year from
+  EXPECT_EQ(t.text(12, 26, 8), "2022    ");
+  t.type(in("21"));
+  EXPECT_TRUE(t.shows("Alleen 2022 t/m 2999 mogelijk"));
+  t.type(in("2023"));
+  t.type(in("z"));
+  EXPECT_EQ(t.text(13, 26, 8), "2023 Z  ");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("j20220-20232 h2."));
+}
+
+TEST_F(Scherm, RangesThatEndBeforeTheyBeginAreNamedAndTheEndIsAsked) {
+  Terminal t = start(13);
+  t.type("13");
+  t.type(in("20000"));
+  t.type("12");
+  t.type(in("30000"));
+  EXPECT_TRUE(t.shows("Ongeldige artikelgroep vanaf - t/m"));
+  EXPECT_EQ(t.cursor_row(), 5);
+  t.type(in("10"));
+  EXPECT_TRUE(t.shows("Alleen 30000 t/m 99999 mogelijk"));
+  t.type(in("40000"));
+  t.type("17");
+  t.type(in("5"));
+  t.type("16");
+  t.type(in("9"));
+  EXPECT_TRUE(t.shows("Ongeldig kleurnummer vanaf - t/m"));
+  t.type(std::string(toets::Back) + Enter);
+  EXPECT_EQ(t.text(9, 26, 8), "laatste ");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("a30000-40000 k9-0"));
+}
+
+TEST_F(Scherm, TargetGroupsAndSeasonsAreTypedWithCommas) {
+  Terminal t = start(13);
+  t.type("18");
+  EXPECT_EQ(t.row(24),
+            "Ingave doelgroepen, gescheiden door komma's; F5 voor overzicht omschrijvingen");
+  t.type(in("D,HM"));
+  EXPECT_TRUE(t.shows("<M> Komma verwacht"));
+  t.type(in("D,,H"));
+  EXPECT_TRUE(t.shows("<,> Ongeldige ingave"));
+  t.type(in("D.H,D"));
+  EXPECT_TRUE(t.shows("<D> Doelgroep reeds geselecteerd"));
+  t.type(in("D.H,"));
+  EXPECT_EQ(t.text(10, 26, 5), "D,H  ");
+  t.type("20");
+  t.type(in("ww"));
+  EXPECT_EQ(t.text(14, 26, 5), "W    ");
+  t.type("21");
+  t.type(in("1,2"));
+  EXPECT_EQ(t.text(15, 26, 5), "1,2, ");
+  t.type("21");
+  t.type(std::string(toets::Back) + Enter);
+  EXPECT_EQ(t.text(15, 26, 5), "alle ");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("dg[DH] sz[W]"));
+}
+
+TEST_F(Scherm, OneBrandShowsItsNameAndTwoAreSeveral) {
+  Terminal t = start(13);
+  t.type("11");
+  t.type(in("7"));
+  EXPECT_EQ(t.text(3, 26, 20), "   7  ZILT Zilt     ");
+  t.type("11");
+  t.type(toets::F5);  // the list opens at the brand, which is marked
+  t.type(toets::Up);
+  t.type(toets::F7);
+  t.type(toets::F3);
+  EXPECT_EQ(t.text(3, 30, 16), ", ...  meerdere ");
+  t.type("14");
+  t.type(toets::F5);
+  EXPECT_TRUE(t.shows("Selecteren model alleen mogelijk bij 1 merk"));
+  t.type(Enter);
+  t.type(Esc);
+  t.type("i");
+  EXPECT_EQ(t.text(3, 26, 10), "alle      ");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("m0 a0-0"));
+}
+
+TEST_F(Scherm, ChangingAsksForAFieldUntilItIsLeftAndEnterTakesAllOfThem) {
+  Terminal t = start(13);
+  t.type("w");
+  EXPECT_EQ(t.row(24), "Uw keuze __ 11-21  <ENTER> voor alle");
+  t.type("22");
+  EXPECT_TRUE(t.shows("<22> Ongeldige ingave"));
+  t.type("12");
+  t.type(in("10100"));
+  EXPECT_EQ(t.text(4, 26, 8), "10100   ");
+  EXPECT_TRUE(t.shows("<ENTER> voor alle"));
+  t.type(Enter);
+  for (const int rij : {3, 4, 5, 6}) {
+    EXPECT_EQ(t.cursor_row(), rij);
+    t.type(Enter);
+  }
+  EXPECT_TRUE(t.shows("Kenmerk"));
+  EXPECT_TRUE(t.shows("0  Alle"));
+  t.type("0");
+  for (const int rij : {8, 9, 10, 11, 12, 13, 14, 15}) {
+    EXPECT_EQ(t.cursor_row(), rij);
+    t.type(Enter);
+  }
+  EXPECT_TRUE(t.shows("<ENTER> voor alle"));
+  t.type(Esc);
+  EXPECT_EQ(t.row(24), "Uw keuze _ I, W, B, O, A");
+}
+
+TEST_F(Scherm, PeriodsStartAtTheirDefaultsAndMustNotRunBack) {
+  const std::string vandaag = date_plain(date_today());
+  Terminal t = start(4);
+  EXPECT_EQ(t.text(19, 26, 37), "eerste  (010180) t/m vandaag         ");
+  t.type("25");
+  EXPECT_EQ(t.text(19, 26, 6), "010180");
+  t.type(in("010125"));
+  EXPECT_EQ(t.text(19, 47, 6), vandaag);
+  t.type(in("311224"));
+  EXPECT_TRUE(t.shows("Ongeldige periode"));
+  EXPECT_EQ(t.text(19, 26, 6), "010125");
+  t.type(Enter);
+  t.type(in("020125"));
+  EXPECT_EQ(t.text(19, 26, 27), "010125           t/m 020125");
+  t.type("25");
+  t.type(in("010180"));
+  t.type(in(vandaag.c_str()));
+  EXPECT_EQ(t.text(19, 26, 16), "eerste  (010180)");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("d0-0 "));
+}
+
+TEST_F(Scherm, StockLimitsActionsAndRemovalHaveTheirOwnFields) {
+  Terminal t = start(10);
+  EXPECT_EQ(t.text(20, 5, 33), "Series via EDI       alle series ");
+  EXPECT_EQ(t.text(17, 26, 28), "eerste  (010180) t/m vandaag");
+  t.type("24");
+  t.type(in("12"));
+  EXPECT_EQ(t.text(18, 26, 5), "   12");
+  t.type("25");
+  t.type(in("7"));
+  EXPECT_TRUE(t.shows("Alleen 12 t/m 99999 mogelijk"));
+  t.type(in("99999"));
+  EXPECT_EQ(t.text(19, 26, 7), "maximum");
+  t.type("26");
+  t.type("2");
+  EXPECT_EQ(t.text(20, 26, 18), "series via pricat ");
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("v12-99999"));
+
+  Terminal u = start(14);
+  EXPECT_EQ(u.text(17, 26, 27), "eerste  (010180) t/m 010180");
+  EXPECT_EQ(u.text(18, 26, 15), "geen (010180)  ");
+  EXPECT_EQ(u.text(22, 2, 30), "28 INVENT.  invdat t/m  geen (");
+  u.type("29");
+  EXPECT_TRUE(u.shows("Ja alleen series via Pricat zonder etiketten"));
+  u.type("3");
+  EXPECT_TRUE(u.row(23).ends_with("Ja  alleen series via Pricat zonder etiketten"));
+  u.type("29");
+  u.type("1");
+  EXPECT_EQ(u.text(23, 26, 10), "Nee       ");
+  u.type(Esc);
+  EXPECT_TRUE(u.shows("w00 "));
+}
+
+TEST_F(Scherm, TheInventoryListAsksForPricesWhenItEnds) {
+  Terminal t = start(20);
+  EXPECT_EQ(t.row(20), "");  // a letter without a field
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("Aankoopprijzen? (J/N)"));
+  t.type(in("N"));
+  EXPECT_TRUE(t.shows("Verkoopprijzen? (J/N)"));
+  t.type(in("N"));
+  EXPECT_TRUE(t.shows("p0 "));
+}
+
+TEST_F(Scherm, ASelectionIsSavedUnderANumberRecalledAndDeleted) {
+  Terminal t = start(13);
+  t.type("12");
+  t.type(in("10100"));
+  t.type("b");
+  EXPECT_TRUE(t.shows("Bewaren selectie"));
+  t.type(in("3"));
+  t.type(in("Zomer"));
+  EXPECT_EQ(t.text(2, 47, 12), " 3  Zomer   ");
+  t.type("i");
+  EXPECT_EQ(t.text(4, 26, 6), "eerste");
+  t.type("o");
+  EXPECT_TRUE(t.shows("nr  omschrijving"));
+  EXPECT_TRUE(t.shows(" 2  ** niet in gebruik **"));
+  EXPECT_TRUE(t.shows(" 3  Zomer"));
+  t.type(in("4"));
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("Opgevraagde selectie is niet in gebruik"));
+  t.type(in("3"));
+  t.type(Enter);
+  EXPECT_EQ(t.text(4, 26, 6), "10100 ");
+
+  t.type("b");
+  t.type(in("3"));
+  EXPECT_TRUE(t.shows("Huidige selectie 3  wordt vervangen. Akkoord? (J/N)"));
+  t.type(in("N"));
+  t.type(in("3"));
+  t.type(in("J"));
+  t.type(std::string(toets::Back) + Enter);
+  EXPECT_EQ(t.text(2, 47, 12), "            ");
+  EXPECT_FALSE(file_exists("DTSEL013.003"));
+  t.type(Esc);
+  EXPECT_TRUE(t.shows("a10100-0"));
+}
+
+TEST_F(Scherm, AFileThatIsNoSelectionIsNamedAndLeavesAScreenThatWorks) {
+  Keten::maak("DTSEL013.000", 0);
+  std::ofstream("DTSEL013.000", std::ios::binary)
+      << std::string(32, 'x') << "?!b\xFF" << std::string("\x10\x27\0\0", 4) << "a\xFE"
+      << std::string("\2\0\0\0\x63\0\7\0", 8) << "f\xFF" << std::string(11, 'Q') << "k";
+  Terminal t = start(13);  // the record is read once before the screen and once by it
+  EXPECT_TRUE(t.shows("Foutief merk in selectie"));
+  EXPECT_TRUE(t.shows("Merknr 99"));
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("Merknr 99"));
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("selectiebestand is inconsistent"));
+  EXPECT_EQ(t.text(3, 26, 10), "   7  ZILT");
+  EXPECT_EQ(t.text(4, 26, 6), "10000 ");
+  t.type("18");
+  t.type(in("D"));
+  EXPECT_EQ(t.text(10, 26, 3), "D  ");
+}
+
+TEST_F(Scherm, PrintingShowsTheSelectionAsAReport) {
+  Terminal t = start(13);
+  t.type("12");
+  t.type(in("10100"));
+  t.type("a");
+  EXPECT_TRUE(t.wait_for("Artikelgroep  vanaf"));
+}
+
+}  // namespace
