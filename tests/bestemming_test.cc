@@ -12,7 +12,7 @@
 #include "isam/ix.h"
 #include "prt/intern.h"
 #include "prt/lijst.h"
-#include "support/tijdelijk.h"
+#include "tests/support/tijdelijk.h"
 
 namespace fs = std::filesystem;
 

@@ -18,7 +18,7 @@
 
 #include "prt/intern.h"
 #include "prt/schil.h"
-#include "support/tijdelijk.h"
+#include "tests/support/tijdelijk.h"
 
 namespace fs = std::filesystem;
 

@@ -17,8 +17,8 @@
 #include "prt/prt.h"
 #include "prt/tabellen.h"
 #include "scr/scr.h"
-#include "support/terminal.h"
-#include "support/tijdelijk.h"
+#include "tests/support/terminal.h"
+#include "tests/support/tijdelijk.h"
 
 namespace fs = std::filesystem;
 

@@ -13,8 +13,8 @@
 #include "prt/bladen.h"
 #include "prt/intern.h"
 #include "scr/scr.h"
-#include "support/terminal.h"
-#include "support/tijdelijk.h"
+#include "tests/support/terminal.h"
+#include "tests/support/tijdelijk.h"
 
 namespace fs = std::filesystem;
 
