@@ -63,7 +63,7 @@ bool ingave_nummer(char letter, int rij, const Nummerveld& v, int32_t* van, int3
   const bool start = letter == v.van;
   int32_t nummer = !sel_gezet(letter) ? 0 : start ? *van : *tm;
   const int32_t begin = sel_gezet(v.van) ? *van : 0;
-  if (!vraag_nummer(rij, v, &nummer, start ? 1 : begin, start ? nummer : begin)) return false;
+  if (!vraag_nummer(rij, v, &nummer, start ? 1 : begin, start ? 0 : begin)) return false;
   *(start ? van : tm) = nummer;
   sel_zet(letter, nummer != 0);
   if (!start || nummer == 0 || !sel_gezet(v.tm) || nummer <= *tm) return true;

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "prt/prt.h"
 #include "scr/scr.h"
 #include "sub/sel_intern.h"
 #include "sub/sel_merken.h"
@@ -317,12 +318,54 @@ TEST_F(Scherm, AFileThatIsNoSelectionIsNamedAndLeavesAScreenThatWorks) {
   EXPECT_EQ(t.text(10, 26, 3), "D  ");
 }
 
-TEST_F(Scherm, PrintingShowsTheSelectionAsAReport) {
+TEST_F(Scherm, ThePrintOptionShowsAllFieldsAndComesBack) {
   Terminal t = start(13);
   t.type("12");
   t.type(in("10100"));
   t.type("a");
-  EXPECT_TRUE(t.wait_for("Artikelgroep  vanaf"));
+  EXPECT_TRUE(t.shows("Printbestemming"));
+  t.type(toets::F3);
+  EXPECT_TRUE(t.shows("Selectiecriteria VOORRAADBEHEER"));
+  EXPECT_TRUE(t.shows("\nArtikelgroep  vanaf  10100\n"));
+  EXPECT_TRUE(t.shows("\nDeelseizoen          alle\n"));
+  t.type(Esc);
+  EXPECT_EQ(t.text(4, 2, 28), "12 Artikelgroep  vanaf  1010");
+}
+
+/// What `werk` prints, by line.
+std::string gedrukt(void (*werk)()) {
+  FILE* uit = tmpfile();
+  prt_open_stil(uit, 132, 64);
+  werk();
+  print_close("");
+  std::string tekst(4096, '\0');
+  rewind(uit);
+  tekst.resize(fread(tekst.data(), 1, tekst.size(), uit));
+  fclose(uit);
+  return tekst;
+}
+
+TEST_F(Scherm, AReportNamesWhatWasSetAndItsBrandsTwoToALine) {
+  k.open();
+  sel_standaard(1);
+  EXPECT_EQ(gedrukt(sel_kop), "Alles geselecteerd\n");
+  merklijst_leeg();
+  merklijst_neem(std::vector<uint16_t>{5, 7, 123}, true);
+  sel_stand('a') = SEL_LIJST;
+  sel_rec.dat_tm = date_number("01022025");
+  sel_stand('H') = SEL_INGEVOERD;
+  EXPECT_EQ(
+      gedrukt(sel_kop),
+      "Merk                    5 DUIN Duinroos                 7 ZILT Zilt                  \n"
+      "                      123 DUIN Duinroos              \n"
+      "Orderdatum    vanaf  010180 t/m 010225\n");
+  const std::string alles = gedrukt(sel_druk);
+  EXPECT_NE(alles.find("Orderdatum    vanaf  eerste t/m 010225\n"), std::string::npos) << alles;
+  EXPECT_NE(alles.find("Filiaal              alle\n"), std::string::npos) << alles;
+  EXPECT_NE(alles.find(str_format("Beginleverdat vanaf  vandaag (%s) t/m laatste\n",
+                                  date_plain(date_today()))),
+            std::string::npos)
+      << alles;
 }
 
 }  // namespace
