@@ -32,7 +32,7 @@ SysRec4 lees_control() {
 
 void moet_zijn_van(const Serienr& nr) {
   if (eti.buffer.nr == nr) return;
-  scr_abort("%s %ld.%d.%d", txt(T_ETI_NIET_VAN), nr.artgroep, nr.kleur, nr.volgnr);
+  scr_abort("%s %s", txt(T_ETI_NIET_VAN), serie_tekst(nr));
 }
 
 void controleer_eigenaar() {

@@ -13,6 +13,7 @@
 #include "main/controle.h"
 #include "scr/scr.h"
 #include "sub/ioink_intern.h"
+#include "sub/tabellen.h"
 #include "sub/teksten.h"
 
 InkStand ink;
@@ -140,8 +141,9 @@ void ink_moet_er_zijn(DtIpa* rec) {
   const DtIpa gezocht = *rec;
   IXSWITCH(ink.dtipa, 1);
   if (IXREAD(ink.dtipa, rec)) return;
-  scr_abort("%s: %ld.%hu.%hu  %hu  %s %s", MODULE, gezocht.nr.artgroep, gezocht.nr.kleur,
-            gezocht.nr.volgnr, gezocht.nummer, date_show(gezocht.eind), txt(T_PRIJSSET_WEG));
+  const uint16_t nummer = gezocht.nummer;
+  scr_abort("%s: %s  %hu  %s %s", MODULE, serie_tekst(gezocht.nr), nummer, date_show(gezocht.eind),
+            txt(T_PRIJSSET_WEG));
 }
 
 bool ipa_lees(DtIpa* rec) {

@@ -139,13 +139,20 @@ void privaat_maak(int terminal) {
   zet(privaat.advset, "DTSELVRD.%03ld");
 }
 
-std::string serie_sleutel(const Serienr& nr) {
-  return str_format("%05ld%03hu%04hu", nr.artgroep, nr.kleur, nr.volgnr);
+namespace {
+
+/// A series number may stand at an odd address in a record, where no reference may point.
+std::string serie_vorm(const char* formaat, const Serienr& nr) {
+  const uint32_t artgroep = nr.artgroep;
+  const uint16_t kleur = nr.kleur, volgnr = nr.volgnr;
+  return str_format(formaat, artgroep, kleur, volgnr);
 }
 
-std::string serie_tekst(const Serienr& nr) {
-  return str_format("%ld.%hu.%hu", nr.artgroep, nr.kleur, nr.volgnr);
-}
+}  // namespace
+
+std::string serie_sleutel(const Serienr& nr) { return serie_vorm("%05ld%03hu%04hu", nr); }
+
+std::string serie_tekst(const Serienr& nr) { return serie_vorm("%ld.%hu.%hu", nr); }
 
 namespace {
 

@@ -42,8 +42,10 @@ Keten::Keten(int aantal_filialen) {
   std::string filialen_bytes;
   for (int slot = 0; slot <= aantal_filialen; ++slot) {
     FiliaalRec rec{};
-    str_printf(rec.naam, sizeof rec.naam - 1, slot == 0 ? "Hoofdkantoor" : "Filiaal %d", slot - 1);
-    SCRAMBLE(rec.naam);
+    if (slot > 0) {  // the head office goes by the company's name
+      str_printf(rec.naam, sizeof rec.naam - 1, "Filiaal %d", slot - 1);
+      SCRAMBLE(rec.naam);
+    }
     filialen_bytes.append(reinterpret_cast<const char*>(&rec), sizeof rec);
   }
   std::ofstream("DTFILGEG.TXT", std::ios::binary) << filialen_bytes;
