@@ -6,6 +6,7 @@
 #include <cstring>
 #include <random>
 
+#include "sub/sel_intern.h"
 #include "sub/sel_krit.h"
 #include "sub/sel_merken.h"
 #include "sub/sel_tabel.h"
@@ -149,6 +150,35 @@ TEST_F(Selectie, SavedBrandsComeBackIntoTheListWithoutThoseThatWereDeleted) {
   EXPECT_EQ(sel_rec.merk, 0);
   weg.nummer = 7;
   EXPECT_TRUE(IXREAD(dtmerk, &weg));  // emptying the list left the brands' table alone
+}
+
+TEST_F(Selectie, AFileOfAnyBytesCanBeShownFilledAndWrittenInEveryKind) {
+  sys_rec1.opties2 = 4;
+  for (uint32_t zaad = 1; zaad <= 400; ++zaad) {
+    std::mt19937 rng(zaad);
+    const int soort = 1 + static_cast<int>(zaad) % SEL_SOORTEN;
+    sel_standaard(soort);
+    std::string bytes(32 + rng() % 300, '\0');
+    for (char& c : bytes) c = static_cast<char>(rng() % 3 == 0 ? 255 : rng());
+    size_t plaats = 32;
+    for (const char* p = sel_letters; *p != 0 && plaats + 2 < bytes.size(); ++p) {
+      bytes[plaats] = *p;  // most fields are met, with values out of all bounds
+      bytes[plaats + 1] = static_cast<char>(rng() % 3 == 0 ? rng() : 255);
+      plaats += 2 + rng() % 12;
+    }
+    std::ofstream(stroom_naam(soort, 5), std::ios::binary) << bytes;
+    sel_lees(5);
+    for (const char* p = sel_letters; *p != 0; ++p) {
+      for (const SelWijze w : {SelWijze::scherm, SelWijze::alles, SelWijze::gezet}) {
+        sel_wijze = w;
+        EXPECT_LT(sel_regel(*p).een.size(), 200u) << zaad << *p;
+      }
+    }
+    sel_wijze = SelWijze::scherm;
+    sel_aanvullen();
+    sel_schrijf(6);
+    sel_lees(6);
+  }
 }
 
 TEST_F(Selectie, AnotherKindIsNeverFoundAndSlotZeroIsReadAtTheStart) {

@@ -274,6 +274,47 @@ TEST(Serie, OneBrandOfManyReadsAFractionOfTheTable) {
   EXPECT_LT(gelezen_uit_dtser, static_cast<uint64_t>(AANTAL) * sizeof(DtSer) / 10);
 }
 
+/// An operator who cancels in the middle: the question is asked at most once a second.
+bool breek_af_bij_vijf() {
+  static int geteld = 0;
+  if (++geteld == 5) {
+    for (const time_t nu = time(nullptr); time(nullptr) == nu;) {
+    }
+    key_push(K_CANCEL);
+  }
+  return true;
+}
+
+TEST(Serie, AWalkThatTheOperatorStopsLeavesAnEmptySelection) {
+  Keten k;
+  k.open();
+  for (uint16_t kleur = 1; kleur < 60; ++kleur) Keten::serie({10500, kleur, 1});
+  k.sluit();
+  for (const uint32_t vanaf : {0u, 10000u}) {
+    Terminal t = start_in_child([&] {
+      k.open();
+      SCRINIT();
+      sel_standaard(13);
+      sel_rec.artgroep_van = vanaf;
+      if (vanaf != 0) zet('b');
+      serie_haak = breek_af_bij_vijf;
+      const bool heel = serie_selecteer(privaat.o, "AKVR");
+      ICB* icb = IXOPEN(privaat.o, IX_LEES);
+      const std::string letters = veld_tekst(icb->description, sizeof icb->description);
+      IXCLOSE(icb);
+      scr_clrbot(2, 1);
+      scr_print(A_WAARDE, 2, 1, "%d %d %s.", heel, static_cast<int>(inhoud(privaat.o).size()),
+                letters);
+      scr_enter(22, 1);
+      scr_exit(0);
+    });
+    EXPECT_TRUE(t.shows("Onderbreken")) << vanaf;
+    EXPECT_TRUE(t.row(21).starts_with(vanaf == 0 ? "Verwerkt " : "Serienr ")) << t.row(21);
+    t.type(toets::Enter);
+    EXPECT_EQ(t.row(2), "0 0 AKVR.") << vanaf;
+  }
+}
+
 /// The advice commands' selection on a terminal, with what it holds on row 2 behind each run.
 Terminal start_keuze(Keten& k) {
   return start_in_child([&k] {
