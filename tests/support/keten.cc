@@ -22,7 +22,7 @@ constexpr Open TABELLEN[] = {
 
 }  // namespace
 
-Keten::Keten(int aantal_filialen) {
+ProefKeten::ProefKeten(int aantal_filialen) {
   SysRec1 een{};
   veld_zet(een.bedrijf, sizeof een.bedrijf, "De Ketting BV");
   een.filialen = static_cast<uint8_t>(aantal_filialen);
@@ -53,9 +53,9 @@ Keten::Keten(int aantal_filialen) {
   for (const TabelDef& def : tabel_alle()) EXPECT_TRUE(tabel_maak(def, def.name)) << def.name;
 }
 
-Keten::~Keten() { sluit(); }
+ProefKeten::~ProefKeten() { sluit(); }
 
-void Keten::open() {
+void ProefKeten::open() {
   ProefSysteem::open();
   session_terminal = 7;
   int32_t nummer = 7;
@@ -70,7 +70,7 @@ void Keten::open() {
   is_open = true;
 }
 
-void Keten::sluit() {
+void ProefKeten::sluit() {
   if (!is_open) return;
   ioeti('C', nullptr, nullptr);
   ipa_close();
@@ -87,21 +87,21 @@ void Keten::sluit() {
   is_open = false;
 }
 
-std::string Keten::sysrec(int nummer, size_t n) {
+std::string ProefKeten::sysrec(int nummer, size_t n) {
   if (iotab_fd() < 0) return bytes("DTSYS.TXT", (nummer - 1) * 64, n);
   std::string uit(n, '\0');
   io_lees(iotab_fd(), uit.data(), n, (nummer - 1) * 64);
   return uit;
 }
 
-void Keten::sysrec_zet(int nummer, const void* van, size_t n) {
+void ProefKeten::sysrec_zet(int nummer, const void* van, size_t n) {
   if (iotab_fd() < 0)
     zet((nummer - 1) * 64, van, n);
   else
     io_schrijf(iotab_fd(), van, n, (nummer - 1) * 64);
 }
 
-DtSer Keten::serie(const Serienr& nr, uint8_t maatsoort, uint16_t merk) {
+DtSer ProefKeten::serie(const Serienr& nr, uint8_t maatsoort, uint16_t merk) {
   DtSer rec{};
   rec.nr = nr;
   rec.merk = merk;

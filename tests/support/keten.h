@@ -10,9 +10,9 @@
 
 /// The current directory is the chain's for as long as it lives. Fork before `open`: record locks
 /// and descriptors belong to the process that opened.
-struct Keten : ProefSysteem {
-  explicit Keten(int aantal_filialen = 12);
-  ~Keten();
+struct ProefKeten : ProefSysteem {
+  explicit ProefKeten(int aantal_filialen = 12);
+  ~ProefKeten();
 
   /// Opens DTSYS.TXT, the run's tables (masters for writing too), labels and prices, as terminal 7.
   void open();
@@ -32,6 +32,9 @@ struct Keten : ProefSysteem {
 
   bool is_open = false;
 };
+/// The short name is an alias: the maker of chains in tools/ has a structure of that name, and both
+/// are linked into the tests.
+using Keten = ProefKeten;
 
 /// A label with sensible prices and dates: what tests change from.
 struct Etiket;
