@@ -30,7 +30,7 @@ struct Lezer {
   std::span<const uint8_t> rest;
   bool neem(void* naar, size_t n) {
     if (rest.size() < n) return false;
-    memcpy(naar, rest.data(), n);
+    if (n > 0) memcpy(naar, rest.data(), n);
     rest = rest.subspan(n);
     return true;
   }
