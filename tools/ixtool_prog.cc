@@ -1,0 +1,112 @@
+// ixtool: what an administrator does with the tables of a data directory while others work in it.
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+#include "isam/ix.h"
+#include "tools/ix_verbs.h"
+#include "tools/tabelkopie.h"
+
+namespace {
+
+void fataal(const char* tekst) {
+  std::string regel = tekst;
+  while (!regel.empty() && (regel.back() == ' ' || regel.back() == '\n')) regel.pop_back();
+  fflush(stdout);
+  fmt::print(stderr, "ixtool: {}\n", regel);
+  exit(1);
+}
+
+/// Somebody is in the table: one line, and a pause before the next try.
+void wacht(ICB* icb) {
+  static std::string laatst;
+  const std::string naam(icb->path, strnlen(icb->path, sizeof icb->path));
+  if (laatst != naam)
+    fmt::print(stderr, "{}: in gebruik door proces {}, wacht\n", naam,
+               slot_houder(icb->index_fd, 0, IX_BLOK));
+  laatst = naam;
+  const timespec even{0, 500000000};
+  nanosleep(&even, nullptr);
+}
+
+struct Verb {
+  const char* naam;
+  const char* uitleg;
+  int (*doe)(const IxOpdracht&);
+};
+constexpr Verb VERBS[] = {
+    {"check", "Keurt tabellen, losse indexen, DTETI.TXT en DTIPG.TXT", ix_check},
+    {"rebuild", "Bouwt de index opnieuw uit het databestand", ix_rebuild},
+    {"dump", "Toont de kop, een blok of de records", ix_dump},
+    {"walk", "Toont de records op volgorde van een sleutel", ix_walk},
+    {"stat", "Toont grootte, vulling en diepte", ix_stat},
+    {"queue", "Toont of wist de sleutels in de wachtrij", ix_queue},
+};
+
+void eigen_opties(CLI::App* verb, const std::string& naam, IxOpdracht* o) {
+  if (naam == "check")
+    verb->add_flag("--verouderd", o->verouderd, "Een losse index mag ouder zijn dan zijn tabel");
+  if (naam == "dump") {
+    verb->add_option("--blok", o->blok, "Blok van de index")->check(CLI::NonNegativeNumber);
+    verb->add_flag("--records", o->records, "De records in plaats van de kop");
+    verb->add_option("--van", o->van, "Eerste record")->check(CLI::NonNegativeNumber);
+    verb->add_option("--aantal", o->aantal, "Aantal records")->check(CLI::NonNegativeNumber);
+  }
+  if (naam == "walk") {
+    verb->add_option("--sleutel", o->sleutel, "Nummer van de sleutel")
+        ->check(CLI::Range(1, IX_SLEUTELS));
+    verb->add_option("--prefix", o->prefix, "Waarden van de eerste sleutelvelden")->delimiter(',');
+  }
+  if (naam == "dump" || naam == "walk")
+    verb->add_option("--velden", o->velden, "Alleen deze velden")->delimiter(',');
+  if (naam == "queue") verb->add_flag("--wis", o->wis, "Wist de wachtrij, zonder vraag");
+}
+
+int voer_uit(const IxOpdracht& o, const std::string& map, const Verb& verb) {
+  if (!map.empty() && chdir(map.c_str()) != 0) {
+    fmt::print(stderr, "ixtool: {}: {}\n", map, strerror(errno));
+    return 2;
+  }
+  ix_hooks.fataal = fataal;
+  ix_hooks.wacht = wacht;
+  try {
+    return verb.doe(o);
+  } catch (const std::bad_alloc&) {
+    fataal("onvoldoende geheugen");
+  }
+  return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  setlocale(LC_CTYPE, "");
+  CLI::App app{"Keurt, herbouwt en toont de tabellen van een gegevensmap", "ixtool"};
+  app.require_subcommand(1);
+  IxOpdracht o;
+  std::string map;
+  for (const Verb& v : VERBS) {
+    CLI::App* verb = app.add_subcommand(v.naam, v.uitleg);
+    verb->add_flag("--json", o.json, "Uitvoer als JSON");
+    verb->add_option("-C", map, "Gegevensmap");
+    verb->add_option("--wacht", o.wacht, "Seconden wachten op een slot")
+        ->check(CLI::NonNegativeNumber);
+    eigen_opties(verb, v.naam, &o);
+    verb->add_option("NAAM", o.namen, "Tabel (DTPICK) of losse index (DTSER.V07); geen: alles");
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& fout) {
+    return app.exit(fout) == 0 ? 0 : 2;
+  }
+  for (const Verb& v : VERBS)
+    if (app.got_subcommand(v.naam)) return voer_uit(o, map, v);
+  return 2;
+}
