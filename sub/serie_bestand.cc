@@ -58,8 +58,7 @@ bool hele_tabel(ICB* doel, bool bulk) {
 }  // namespace
 
 bool serie_vul(const char* naam, const char* letters, bool bulk) {
-  serie_einde();
-  ICB* lijst = sel_rec.merk != 0 ? merklijst_open(IX_LEES) : nullptr;
+  serie_einde();  // what an earlier walk left open
   sel_aanvullen();
   if (scr_ctx != nullptr) scr_intr_reset();
   const int methode = serie_methode();
@@ -68,7 +67,6 @@ bool serie_vul(const char* naam, const char* letters, bool bulk) {
   const bool door = methode == 0 ? hele_tabel(doel, bulk) : per_sleutel(doel, bulk, methode);
   if (bulk) IXBULK('C', doel, nullptr);
   IXCLOSE(doel);
-  if (lijst != nullptr) IXCLOSE(lijst);
   serie_einde();
   if (door) return true;
   ICB* leeg = sort_maak(naam, letters);
