@@ -11,9 +11,10 @@
 #include "isam/io.h"
 #include "isam/ix_intern.h"
 
+size_t ix_cache_plaatsen = 262144;  // 128 MB, taken from the system as it is touched
+
 namespace {
 
-constexpr size_t PLAATSEN_MEEST = 262144;  // 128 MB, taken from the system as it is touched
 constexpr size_t PLAATSEN_MINST = 50;
 constexpr size_t STUK = 64;  // blocks a write of the flush
 
@@ -36,7 +37,7 @@ uint8_t* inhoud(size_t plaats) { return v.geheugen + plaats * IX_BLOK; }
 
 uint8_t begin(ICB* icb) {
   if (v.eigenaar != nullptr) return icb->cached;
-  for (size_t n = PLAATSEN_MEEST; n >= PLAATSEN_MINST && v.geheugen == nullptr; n /= 2) {
+  for (size_t n = ix_cache_plaatsen; n >= PLAATSEN_MINST && v.geheugen == nullptr; n /= 2) {
     v.geheugen = static_cast<uint8_t*>(aligned_alloc(64, n * IX_BLOK));
     v.hoogst = n;
   }

@@ -107,6 +107,8 @@ void ix_zet_i32(uint8_t* p, int32_t v);
 /// The write-back cache of a rebuild: 'I' begins (true when on), 'R' and 'W' a block, 'F' writes
 /// all.
 uint8_t IOCACHE(char actie, ICB*, int32_t blok);
+/// Blocks that the cache holds at most, 50 or more; a test makes it small.
+extern size_t ix_cache_plaatsen;
 
 // Records
 // --------------------------------------------------------------------------------------------
