@@ -1,0 +1,30 @@
+// The live job: the balance of a million order lines of 50,000 series in 100 branches, beside the
+// same pass in SQLite through a temporary keyed table and beside SQLite's one query.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "bench/tabel.h"
+#include "sub/records.h"
+
+/// Makes the chain in the current directory and gives the rows of it. Columns as in meet_prog:
+/// ours, SQLite.
+std::vector<Rij> saldo_meet(uint32_t regels);
+
+/// The totals of one run, by branch.
+struct SaldoTotalen {
+  std::vector<uint64_t> uit = std::vector<uint64_t>(256), in = std::vector<uint64_t>(256);
+  bool operator==(const SaldoTotalen&) const = default;
+};
+
+inline constexpr int KETEN_FILIALEN = 100, KETEN_ARTIKELEN = 900, KETEN_MERKEN = 220,
+                     KETEN_LEVERANCIERS = 80;
+/// Order line `i` of `regels`, twenty to a series, in the order in which they were entered.
+DtPick meet_regel(uint32_t i, uint32_t regels);
+
+/// A chain of `series` series and `regels` lines in the current directory.
+void keten_maak(uint32_t series, uint32_t regels);
+void saldo_sqlite_maak(uint32_t series, uint32_t regels);
+SaldoTotalen saldo_sqlite_pas();
+SaldoTotalen saldo_sqlite_vraag();
