@@ -25,21 +25,14 @@ void wissel_sleutel(ICB* icb, int k, const uint8_t* oud, const void* rec) {
   ix_zet_sleutel(icb);
 }
 
+/// A change of the record in record_no, inside the header protocol.
 bool werk_bij(ICB* icb, const void* rec) {
   ix_test(icb, "IXUPDATE");
-  if (icb->record_no < 0) return false;
-  const bool gedeeld = icb->mode == IX_GEDEELD;
-  if (gedeeld) ix_kop_open(icb);
-  const int sleutel = ix_huidig(icb);
   uint8_t* oud = ix_werk(0);
-  const bool leeft = IXRDDAT(icb, oud);
-  if (leeft) {
-    for (int k = 1; k <= icb->key_count; ++k) wissel_sleutel(icb, k, oud, rec);
-    IXWRDAT(icb, rec);
-  }
-  if (gedeeld) ix_kop_dicht(icb);
-  IXSWITCH(icb, sleutel);
-  return leeft;
+  if (icb->record_no < 0 || !IXRDDAT(icb, oud)) return false;
+  for (int k = 1; k <= icb->key_count; ++k) wissel_sleutel(icb, k, oud, rec);
+  IXWRDAT(icb, rec);
+  return true;
 }
 
 /// Takes the slot for a new record: the head of the chain of deleted ones, or the next at the end.
@@ -60,21 +53,13 @@ void neem_plaats(ICB* icb) {
   IXLOCK(icb, 3);
 }
 
-bool voeg_toe(ICB* icb, const void* rec) {
+/// A new record, inside the header protocol.
+void voeg_toe(ICB* icb, const void* rec) {
   ix_test(icb, "IXINSERT");
-  const bool gedeeld = icb->mode == IX_GEDEELD;
-  if (gedeeld) ix_kop_open(icb);
-  const bool vol = icb->next_block > 2147483644 || icb->record_count == INT32_MAX;
-  if (!vol) {
-    neem_plaats(icb);
-    ix_voeg_sleutels(icb, rec);
-    IXWRDAT(icb, rec);
-    IXLOCK(icb, 14);
-  }
-  if (gedeeld) ix_kop_dicht(icb);
-  // Only now: nobody waits for an operator while the header is held.
-  if (vol) FFLASH(-1, 1, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_VOL));
-  return !vol;
+  neem_plaats(icb);
+  ix_voeg_sleutels(icb, rec);
+  IXWRDAT(icb, rec);
+  IXLOCK(icb, 14);
 }
 
 bool schrijf(ICB* icb, void* rec, bool los) {
@@ -83,10 +68,23 @@ bool schrijf(ICB* icb, void* rec, bool los) {
     FFLASH(-1, 2, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_ALLEEN_LEZEN));
     return true;
   }
+  const bool gedeeld = icb->mode == IX_GEDEELD;
   const int sleutel = ix_huidig(icb);
   IXSWITCH(icb, 1);
-  bool goed = IXEXISTS(icb, rec) ? werk_bij(icb, rec) : voeg_toe(icb, rec);
-  if (icb->mode == IX_GEDEELD && los && icb->record_no >= 0) goed = IXLOCK(icb, 13) && goed;
+  // The protocol begins before the search: while another process moves an entry from block to block
+  // a search without the lock can miss it, and the record would enter a second time.
+  if (gedeeld) ix_kop_open(icb);
+  const bool er = IXEXISTS(icb, rec);
+  const bool vol = !er && (icb->next_block > 2147483644 || icb->record_count == INT32_MAX);
+  bool goed = !vol;
+  if (er)
+    goed = werk_bij(icb, rec);
+  else if (!vol)
+    voeg_toe(icb, rec);
+  if (gedeeld) ix_kop_dicht(icb);
+  // Only now: nobody waits for an operator while the header is held.
+  if (vol) FFLASH(-1, 1, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_VOL));
+  if (gedeeld && los && icb->record_no >= 0) goed = IXLOCK(icb, 13) && goed;
   IXSWITCH(icb, sleutel);
   return goed;
 }
@@ -97,6 +95,19 @@ bool zelfde_record(const ICB* icb, const uint8_t* slot, const uint8_t* beeld) {
   uint8_t nu[IX_SLEUTELBYTES];
   ix_beeld(icb, s, slot, s.key_length, icb->record_no, nu);
   return ix_vergelijk(s, nu, beeld, s.key_length) == 0;
+}
+
+/// A search whose "not there" is certain: without the header lock it may miss an entry that another
+/// process's split is moving.
+int32_t zoek_zeker(ICB* icb, int lengte) {
+  const int32_t gezien = IXSEARCH(icb, '=', lengte);
+  if (gezien >= 0 || ix_alleen(icb)) return gezien;
+  IXLOCK(icb, 2);
+  icb->kop_slot = 1;
+  const int32_t zeker = IXSEARCH(icb, '=', lengte);
+  icb->kop_slot = 0;
+  IXLOCK(icb, 12);
+  return zeker;
 }
 
 }  // namespace
@@ -122,8 +133,10 @@ bool IXREADL(ICB* icb, void* rec) {
     if (nummer < 0) {
       memcpy(icb->key_buf, eerste, sizeof eerste);
       if (!IXLOCK(icb, 4)) continue;
-      // Between the search and the queue somebody may have entered it and left the queue.
-      if (icb->file_locked != 0 || zoek() < 0) {
+      // Between the search and the queue somebody may have entered it and left the queue; and the
+      // search may have missed it.
+      memcpy(icb->key_buf, beeld, sizeof beeld);
+      if (icb->file_locked != 0 || zoek_zeker(icb, lengte) < 0) {
         icb->record_no = -1;
         return false;
       }
@@ -148,7 +161,10 @@ bool IXREADL(ICB* icb, void* rec) {
 void IXRELEASE(ICB* icb, void* rec) {
   ix_test(icb, "IXBLDKEY");
   if (icb->mode == IX_LEES) return;
-  if (IXEXISTS(icb, rec)) {
+  const int lengte = ix_sleutel(icb).key_length;
+  IXBLDKEY(icb, rec, lengte);
+  icb->record_no = zoek_zeker(icb, lengte);
+  if (icb->record_no >= 0) {
     IXLOCK(icb, 13);
     return;
   }
