@@ -61,12 +61,12 @@ size_t formaat_in(char* buffer, size_t grootte, const char* formaat, std::span<c
 
 /// The typed fronts.
 template <class... A>
-std::string str_format(const char* formaat, const A&... a) {
+std::string str_format(const char* formaat, A... a) {
   const Arg args[sizeof...(A) + 1] = {Arg(a)..., Arg(0)};
   return formaat_tekst(formaat, std::span<const Arg>(args, sizeof...(A)));
 }
 template <class... A>
-size_t str_printf(char* buffer, size_t grootte, const char* formaat, const A&... a) {
+size_t str_printf(char* buffer, size_t grootte, const char* formaat, A... a) {
   const Arg args[sizeof...(A) + 1] = {Arg(a)..., Arg(0)};
   return formaat_in(buffer, grootte, formaat, std::span<const Arg>(args, sizeof...(A)));
 }

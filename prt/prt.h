@@ -42,7 +42,7 @@ int XPRT_OPEN(uint32_t selection, int widths, const char* file);
 int prt_open_stil(FILE* uit, int width, int page_lines, bool utf8 = true);
 void print_f_kern(const char* fmt, std::span<const Arg> args);
 template <class... A>
-void print_f(const char* fmt, const A&... a) {
+void print_f(const char* fmt, A... a) {
   const Arg args[sizeof...(A) + 1] = {Arg(a)..., Arg(0)};
   print_f_kern(fmt, std::span<const Arg>(args, sizeof...(A)));
 }
@@ -52,7 +52,7 @@ void print_nl();
 void print_ff();
 void print_head_tekst(const char* links, const char* titel);
 template <class... A>
-void print_head(const char* links, const char* fmt, const A&... a) {
+void print_head(const char* links, const char* fmt, A... a) {
   print_head_tekst(links, str_format(fmt, a...).c_str());
 }
 void print_rep(int aantal, char teken);

@@ -146,7 +146,7 @@ void win_close();
 void win_title_tekst(const char* tekst);  // null: the border only
 inline void win_title(std::nullptr_t) { win_title_tekst(nullptr); }
 template <class... A>
-void win_title(const char* fmt, const A&... a) { win_title_tekst(str_format(fmt, a...).c_str()); }
+void win_title(const char* fmt, A... a) { win_title_tekst(str_format(fmt, a...).c_str()); }
 /// Closes its window at the end of the scope.
 struct Venster {
   explicit Venster(int r, int c, int h, int w, int set = 1) { win_open(r, c, h, w, set); }
@@ -164,24 +164,24 @@ void scr_attr(int attr);
 /// Prints cut at the right edge; returns the length printed, 0 outside the window.
 int scr_print_tekst(int attr, int row, int col, const char* tekst);
 template <class... A>
-int scr_print(int attr, int row, int col, const char* fmt, const A&... a) {
+int scr_print(int attr, int row, int col, const char* fmt, A... a) {
   return scr_print_tekst(attr, row, col, str_format(fmt, a...).c_str());
 }
 void scr_puts_tekst(const char* tekst);   // at the cursor, no cut
 template <class... A>
-void scr_puts(const char* fmt, const A&... a) { scr_puts_tekst(str_format(fmt, a...).c_str()); }
+void scr_puts(const char* fmt, A... a) { scr_puts_tekst(str_format(fmt, a...).c_str()); }
 void scr_clreol(int row, int col);
 void scr_clrbot(int row, int col);
 int scr_print_all_tekst(int attr, int row, int col, const char* tekst);
 template <class... A>
-int scr_print_all(int attr, int row, int col, const char* fmt, const A&... a) {
+int scr_print_all(int attr, int row, int col, const char* fmt, A... a) {
   return scr_print_all_tekst(attr, row, col, str_format(fmt, a...).c_str());
 }
 /// One line drawing character ('>' or '<' arrow) with an attribute, at a place.
 void scr_pijl(int attr, int row, int col, bool rechts);
 void scr_error_tekst(const char* tekst);  // the message line; beeps unless empty
 template <class... A>
-void scr_error(const char* fmt, const A&... a) { scr_error_tekst(str_format(fmt, a...).c_str()); }
+void scr_error(const char* fmt, A... a) { scr_error_tekst(str_format(fmt, a...).c_str()); }
 void scr_flush(int seconds);
 void scr_refresh_set(int n);
 int scr_refresh_get();
@@ -202,7 +202,7 @@ extern char scr_klad[32768];
 /// Mode 'C' clears the whole screen first, 'E' row 1 only.
 void hdr_line_tekst(char mode, const char* tekst);
 template <class... A>
-void hdr_line(char mode, const char* fmt, const A&... a) {
+void hdr_line(char mode, const char* fmt, A... a) {
   hdr_line_tekst(mode, str_format(fmt, a...).c_str());
 }
 void hdr_title(const char* tekst);
@@ -216,7 +216,7 @@ void scr_enter(int row, int col);         // "<ENTER> voor vervolg", waits for E
 int scr_doos(int optie, int soort, const char* titel, const char* tekst);
 [[noreturn]] void scr_abort_tekst(const char* tekst);
 template <class... A>
-[[noreturn]] void scr_abort(const char* fmt, const A&... a) {
+[[noreturn]] void scr_abort(const char* fmt, A... a) {
   scr_abort_tekst(str_format(fmt, a...).c_str());
 }
 
@@ -295,7 +295,7 @@ int scr_getkey(const char* tekens, int32_t* eerste, K*... rest) {
 /// Yes or no: the text may begin with "[+]" or "[-]" for a default; empty asks "Akkoord". 0 on cancel.
 bool scr_confirm_tekst(int row, int col, const char* tekst);
 template <class... A>
-bool scr_confirm(int row, int col, const char* fmt, const A&... a) {
+bool scr_confirm(int row, int col, const char* fmt, A... a) {
   return scr_confirm_tekst(row, col, str_format(fmt, a...).c_str());
 }
 
