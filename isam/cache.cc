@@ -3,6 +3,8 @@
 // same upper blocks for every record and leaves at random, so that the cache holds as much as fits;
 // a block finds its place by its number, and the roots never leave.
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -16,7 +18,8 @@ size_t ix_cache_plaatsen = 262144;  // 128 MB, taken from the system as it is to
 namespace {
 
 constexpr size_t PLAATSEN_MINST = 50;
-constexpr size_t STUK = 64;  // blocks a write of the flush
+constexpr size_t STUK = 64;        // blocks a write of the flush
+constexpr size_t GROOT = 2 << 20;  // a large page of memory
 
 struct Plaats {
   int32_t blok;
@@ -33,12 +36,21 @@ struct Voorraad {
 };
 Voorraad v;
 
+/// A block in pieces of a cache line: one copy of this size is compiled to a slow string move.
+void kopieer(void* naar, const void* van) {
+  for (int i = 0; i < IX_BLOK; i += 64)
+    memcpy(static_cast<uint8_t*>(naar) + i, static_cast<const uint8_t*>(van) + i, 64);
+}
+
 uint8_t* inhoud(size_t plaats) { return v.geheugen + plaats * IX_BLOK; }
 
 uint8_t begin(ICB* icb) {
   if (v.eigenaar != nullptr) return icb->cached;
   for (size_t n = ix_cache_plaatsen; n >= PLAATSEN_MINST && v.geheugen == nullptr; n /= 2) {
-    v.geheugen = static_cast<uint8_t*>(aligned_alloc(64, n * IX_BLOK));
+    const size_t bytes = (n * IX_BLOK + GROOT - 1) / GROOT * GROOT;
+    v.geheugen = static_cast<uint8_t*>(aligned_alloc(GROOT, bytes));
+    // Leaves are met at random: with small pages each of them misses the address cache as well.
+    if (v.geheugen != nullptr) madvise(v.geheugen, bytes, MADV_HUGEPAGE);
     v.hoogst = n;
   }
   if (v.geheugen == nullptr) return icb->cached;
@@ -128,13 +140,13 @@ uint8_t IOCACHE(char actie, ICB* icb, int32_t blok) {
   size_t p = zoek(blok);
   if (actie == 'W') {
     if (p == SIZE_MAX) p = nieuwe_plaats(icb, blok);
-    memcpy(inhoud(p), &icb->block, IX_BLOK);
+    kopieer(inhoud(p), &icb->block);
     v.plaatsen[p].vuil = true;
     return 1;
   }
   icb->block_no = blok;
   if (p != SIZE_MAX) {
-    memcpy(&icb->block, inhoud(p), IX_BLOK);
+    kopieer(&icb->block, inhoud(p));
     return 1;
   }
   // Read before a place is made for it: a wild number must not grow the list.
