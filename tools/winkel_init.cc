@@ -1,0 +1,98 @@
+// winkel init: an empty chain.
+#include <fmt/format.h>
+
+#include <cstring>
+#include <ctime>
+
+#include "isam/base.h"
+#include "isam/ix.h"
+#include "main/iotab.h"
+#include "tools/winkel.h"
+
+namespace {
+
+struct Init {
+  std::string map = ".", bedrijf, gebruiker = "BEHEER", wachtwoord;
+  int filialen = 0, cijfers = 8;
+};
+
+void zet(std::vector<uint8_t>& dtsys, const SysTabel& tabel, int nummer, const void* rec) {
+  std::memcpy(dtsys.data() + tabel.basis + (nummer - 1) * tabel.lengte, rec,
+              static_cast<size_t>(tabel.lengte));
+}
+
+std::vector<uint8_t> systeembestand(const Init& o, const TerminalRec& beheer) {
+  std::vector<uint8_t> dtsys(static_cast<size_t>(SYS_GROOTTE));
+  SysRec1 een{};
+  veld_zet(een.bedrijf, sizeof een.bedrijf, utf8_cp850(o.bedrijf));
+  een.land = 1;
+  een.filialen = static_cast<uint8_t>(o.filialen);
+  een.tarief[0] = 210;
+  een.tarief[1] = 90;
+  zet(dtsys, SYS_RECORDS, 1, &een);
+  uint8_t vier[64] = {};
+  vier[12] = static_cast<uint8_t>(o.cijfers);
+  zet(dtsys, SYS_RECORDS, 4, vier);
+  SysRec10 tien{};
+  std::memcpy(tien.release, RELEASE, sizeof tien.release);
+  zet(dtsys, SYS_RECORDS, 10, &tien);
+  const uint8_t elf[64] = {1};
+  zet(dtsys, SYS_RECORDS, 11, elf);
+  const uint8_t vijftien[64] = {'E', 'U', 'R'};
+  zet(dtsys, SYS_RECORDS, 15, vijftien);
+  const uint8_t euro[36] = {'E', 'U', 'R', 2, 'E', 'u', 'r', 'o'};
+  zet(dtsys, SYS_VALUTA, 1, euro);
+  zet(dtsys, SYS_TERMINALS, 1, &beheer);
+  return dtsys;
+}
+
+/// The one program there is, and the manager's right to it.
+void menu() {
+  ICB* dthmnu = IXOPEN("DTHMNU", IX_GEDEELD);
+  DtHmnu rij = menu_saldo(std::time(nullptr));
+  IXWRITE(dthmnu, &rij);
+  IXCLOSE(dthmnu);
+  ICB* dtrel = IXOPEN("DTREL", IX_GEDEELD);
+  DtRel recht{1, MENUSLOT_SALDO, 'S', 0};
+  IXWRITE(dtrel, &recht);
+  IXCLOSE(dtrel);
+}
+
+void doe_init(Init& o) {
+  bool geheel = true;
+  const std::string bedrijf = utf8_cp850(o.bedrijf, &geheel);
+  if (!geheel || bedrijf.size() > sizeof SysRec1::bedrijf)
+    winkel_fout(o.bedrijf, "geen bedrijfsnaam van hoogstens 30 tekens");
+  if (o.wachtwoord.empty()) o.wachtwoord = vraag_wachtwoord("Wachtwoord van de systeembeheerder: ");
+  const std::string bezwaar = gebruiker_bezwaar(o.gebruiker, o.wachtwoord, 'S');
+  if (!bezwaar.empty()) winkel_fout(o.gebruiker, bezwaar);
+  in_lege_map(o.map);
+  const std::vector<uint8_t> dtsys =
+      systeembestand(o, maak_gebruiker(o.gebruiker, o.wachtwoord, 'S', std::time(nullptr)));
+  schrijf_bestand("DTSYS.TXT", dtsys.data(), dtsys.size());
+  const std::vector<uint8_t> filialen(static_cast<size_t>(o.filialen + 1) * 612);
+  schrijf_bestand("DTFILGEG.TXT", filialen.data(), filialen.size());
+  maak_lege_tabellen();
+  menu();
+  fmt::print("Lege keten van {} filialen gemaakt; systeembeheerder {} op terminal 1\n", o.filialen,
+             o.gebruiker);
+}
+
+}  // namespace
+
+void verb_init(CLI::App& app) {
+  static Init o;
+  CLI::App* verb = app.add_subcommand("init", "maak een lege keten in een lege map");
+  optie_map(verb, &o.map);
+  verb->add_option("--branches", o.filialen, "aantal filialen, 1 tot 249")
+      ->required()
+      ->check(CLI::Range(1, 249));
+  verb->add_option("--company", o.bedrijf, "naam van het bedrijf")->required();
+  verb->add_option("--digits", o.cijfers, "cijfers van een etiketnummer, 6 tot 8")
+      ->check(CLI::Range(6, 8))
+      ->capture_default_str();
+  verb->add_option("--gebruiker", o.gebruiker, "code van de systeembeheerder")
+      ->capture_default_str();
+  verb->add_option("--wachtwoord", o.wachtwoord, "zijn wachtwoord; zonder wordt het gevraagd");
+  verb->callback([] { doe_init(o); });
+}
