@@ -37,6 +37,7 @@ DtSer meet_serie(uint32_t i) {
   r.jaar = static_cast<uint16_t>(2020 + t.tot(6));
   r.hoofdseizoen = "KZW"[t.tot(3)];
   r.deelseizoen = static_cast<uint8_t>(t.tot(10));
+  r.maatsoort = static_cast<uint8_t>(1 + t.tot(8));
   r.leverancier = static_cast<uint16_t>(1 + t.tot(80));
   for (size_t c = 0; c < 9; ++c) r.model[c] = static_cast<char>('A' + t.tot(26));
   memcpy(r.omschrijving, "Pantalon, geweven", 17);

@@ -113,7 +113,12 @@ void keten_maak(uint32_t series, uint32_t regels) {
     r.nummer = static_cast<uint16_t>(i + 1);
     return r;
   });
-  maak(MAAT);
+  tabel<DtMaat>(MAAT, KETEN_MAATSOORTEN, [](uint32_t i) {
+    DtMaat r{};
+    r.land = 1;
+    r.maatsoort = static_cast<uint8_t>(i + 1);
+    return r;
+  });
   maak(MTOM);
   ICB* icb = IXCREATE("DTSER", IX_EXCLUSIEF);
   meet_definitie(icb);

@@ -298,6 +298,7 @@ std::vector<Rij> alles() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && strcmp(argv[1], SALDO_KIND) == 0) return saldo_kind();
   CLI::App app{"Measures the indexed files beside other stores"};
   opzet.dir = std::filesystem::current_path().string();
   bool snel = false;

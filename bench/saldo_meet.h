@@ -12,6 +12,11 @@
 /// ours, SQLite.
 std::vector<Rij> saldo_meet(uint32_t regels);
 
+/// The one argument of a process that runs the unattended balance in the current directory, and
+/// nothing else: its memory is the run's alone.
+inline constexpr const char* SALDO_KIND = "--saldo-kind";
+int saldo_kind();
+
 /// The totals of one run, by branch.
 struct SaldoTotalen {
   std::vector<uint64_t> uit = std::vector<uint64_t>(256), in = std::vector<uint64_t>(256);
@@ -19,7 +24,7 @@ struct SaldoTotalen {
 };
 
 inline constexpr int KETEN_FILIALEN = 100, KETEN_ARTIKELEN = 900, KETEN_MERKEN = 220,
-                     KETEN_LEVERANCIERS = 80;
+                     KETEN_LEVERANCIERS = 80, KETEN_MAATSOORTEN = 8;
 /// Order line `i` of `regels`, twenty to a series, in the order in which they were entered.
 DtPick meet_regel(uint32_t i, uint32_t regels);
 

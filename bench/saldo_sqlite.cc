@@ -11,7 +11,9 @@ constexpr const char* TABELLEN[] = {
     "CREATE TABLE art(nr INTEGER PRIMARY KEY, rest BLOB)",
     "CREATE TABLE merk(nr INTEGER PRIMARY KEY, zoek BLOB, rest BLOB)",
     "CREATE TABLE lev(nr INTEGER PRIMARY KEY, rest BLOB)",
-    "CREATE TABLE ser(a INTEGER, k INTEGER, v INTEGER, merk INTEGER, lev INTEGER, model BLOB, "
+    "CREATE TABLE maat(nr INTEGER PRIMARY KEY, rest BLOB)",
+    "CREATE TABLE ser(a INTEGER, k INTEGER, v INTEGER, merk INTEGER, lev INTEGER, maat INTEGER, "
+    "model BLOB, "
     "locatie BLOB, rest BLOB, PRIMARY KEY(a,k,v)) WITHOUT ROWID",
     "CREATE TABLE pick(van INTEGER, naar INTEGER, a INTEGER, k INTEGER, v INTEGER, opdr INTEGER, "
     "datum INTEGER, aantal BLOB)",
@@ -56,15 +58,20 @@ void bind(sqlite3_stmt* s, std::initializer_list<int64_t> waarden) {
 }
 
 void vul_stam(sqlite3* db) {
-  const uint8_t leeg[332] = {};
-  sqlite3_stmt* s = sq_maak(db, "INSERT INTO art VALUES(?,?)");
-  for (int i = 1; i <= KETEN_ARTIKELEN; ++i) {
-    bind(s, {i});
-    sqlite3_bind_blob(s, 2, leeg, 300, SQLITE_STATIC);
-    voer_uit(db, s);
-  }
-  sqlite3_finalize(s);
-  s = sq_maak(db, "INSERT INTO merk VALUES(?,?,?)");
+  const uint8_t leeg[404] = {};
+  const auto vul = [&](const char* sql, int aantal, int bytes) {
+    sqlite3_stmt* s = sq_maak(db, sql);
+    for (int i = 1; i <= aantal; ++i) {
+      bind(s, {i});
+      sqlite3_bind_blob(s, 2, leeg, bytes, SQLITE_STATIC);
+      voer_uit(db, s);
+    }
+    sqlite3_finalize(s);
+  };
+  vul("INSERT INTO art VALUES(?,?)", KETEN_ARTIKELEN, 300);
+  vul("INSERT INTO lev VALUES(?,?)", KETEN_LEVERANCIERS, 330);
+  vul("INSERT INTO maat VALUES(?,?)", KETEN_MAATSOORTEN, 402);
+  sqlite3_stmt* s = sq_maak(db, "INSERT INTO merk VALUES(?,?,?)");
   for (int i = 1; i <= KETEN_MERKEN; ++i) {
     bind(s, {i});
     sqlite3_bind_blob(s, 2, leeg, 4, SQLITE_STATIC);
@@ -72,23 +79,16 @@ void vul_stam(sqlite3* db) {
     voer_uit(db, s);
   }
   sqlite3_finalize(s);
-  s = sq_maak(db, "INSERT INTO lev VALUES(?,?)");
-  for (int i = 1; i <= KETEN_LEVERANCIERS; ++i) {
-    bind(s, {i});
-    sqlite3_bind_blob(s, 2, leeg, 330, SQLITE_STATIC);
-    voer_uit(db, s);
-  }
-  sqlite3_finalize(s);
 }
 
 void vul_series(sqlite3* db, uint32_t series) {
-  sqlite3_stmt* s = sq_maak(db, "INSERT INTO ser VALUES(?,?,?,?,?,?,?,?)");
+  sqlite3_stmt* s = sq_maak(db, "INSERT INTO ser VALUES(?,?,?,?,?,?,?,?,?)");
   for (uint32_t i = 0; i < series; ++i) {
     const DtSer r = meet_serie(i);
-    bind(s, {r.nr.artgroep, r.nr.kleur, r.nr.volgnr, r.merk, r.leverancier});
-    sqlite3_bind_blob(s, 6, r.model, sizeof r.model, SQLITE_STATIC);
-    sqlite3_bind_blob(s, 7, r.locatie, sizeof r.locatie, SQLITE_STATIC);
-    sqlite3_bind_blob(s, 8, r.omschrijving, 150, SQLITE_STATIC);
+    bind(s, {r.nr.artgroep, r.nr.kleur, r.nr.volgnr, r.merk, r.leverancier, r.maatsoort});
+    sqlite3_bind_blob(s, 7, r.model, sizeof r.model, SQLITE_STATIC);
+    sqlite3_bind_blob(s, 8, r.locatie, sizeof r.locatie, SQLITE_STATIC);
+    sqlite3_bind_blob(s, 9, r.omschrijving, 150, SQLITE_STATIC);
     voer_uit(db, s);
   }
   sqlite3_finalize(s);
@@ -96,15 +96,17 @@ void vul_series(sqlite3* db, uint32_t series) {
 
 /// The statements that the pass and the totals look a series' master data up with.
 struct Opzoek {
-  sqlite3_stmt *sel, *ser, *art, *merk, *lev;
+  sqlite3_stmt *sel, *ser, *art, *merk, *lev, *maat;
   explicit Opzoek(sqlite3* db)
       : sel(sq_maak(db, "SELECT 1 FROM temp.sel WHERE a=? AND k=? AND v=?")),
-        ser(sq_maak(db, "SELECT merk,lev,model,locatie,rest FROM ser WHERE a=? AND k=? AND v=?")),
+        ser(sq_maak(db,
+                    "SELECT merk,lev,maat,model,locatie,rest FROM ser WHERE a=? AND k=? AND v=?")),
         art(sq_maak(db, "SELECT rest FROM art WHERE nr=?")),
         merk(sq_maak(db, "SELECT zoek,rest FROM merk WHERE nr=?")),
-        lev(sq_maak(db, "SELECT rest FROM lev WHERE nr=?")) {}
+        lev(sq_maak(db, "SELECT rest FROM lev WHERE nr=?")),
+        maat(sq_maak(db, "SELECT rest FROM maat WHERE nr=?")) {}
   ~Opzoek() {
-    for (sqlite3_stmt* s : {sel, ser, art, merk, lev}) sqlite3_finalize(s);
+    for (sqlite3_stmt* s : {sel, ser, art, merk, lev, maat}) sqlite3_finalize(s);
   }
   Opzoek(const Opzoek&) = delete;
   Opzoek& operator=(const Opzoek&) = delete;
@@ -117,21 +119,23 @@ bool vind(sqlite3_stmt* s, std::initializer_list<int64_t> sleutel) {
 }
 
 struct SerieData {
-  int merk, lev;
-  uint8_t model[15], locatie[6], rest[332], zoek[4];
+  int merk, lev, maat;
+  uint8_t model[15], locatie[6], rest[404], zoek[4];
 };
 
 bool lees_serie(Opzoek& o, const int64_t* nr, SerieData* uit, bool met_lev) {
   if (!vind(o.ser, {nr[0], nr[1], nr[2]})) return false;
   uit->merk = sqlite3_column_int(o.ser, 0);
   uit->lev = sqlite3_column_int(o.ser, 1);
-  memcpy(uit->model, sqlite3_column_blob(o.ser, 2), 15);
-  memcpy(uit->locatie, sqlite3_column_blob(o.ser, 3), 6);
-  memcpy(uit->rest, sqlite3_column_blob(o.ser, 4), 150);
+  uit->maat = sqlite3_column_int(o.ser, 2);
+  memcpy(uit->model, sqlite3_column_blob(o.ser, 3), 15);
+  memcpy(uit->locatie, sqlite3_column_blob(o.ser, 4), 6);
+  memcpy(uit->rest, sqlite3_column_blob(o.ser, 5), 150);
   if (vind(o.art, {nr[0]})) memcpy(uit->rest, sqlite3_column_blob(o.art, 0), 300);
   if (vind(o.merk, {uit->merk})) memcpy(uit->zoek, sqlite3_column_blob(o.merk, 0), 4);
   if (met_lev && vind(o.lev, {uit->lev})) memcpy(uit->rest, sqlite3_column_blob(o.lev, 0), 330);
-  for (sqlite3_stmt* s : {o.ser, o.art, o.merk, o.lev}) sqlite3_reset(s);
+  if (met_lev && vind(o.maat, {uit->maat})) memcpy(uit->rest, sqlite3_column_blob(o.maat, 0), 402);
+  for (sqlite3_stmt* s : {o.ser, o.art, o.merk, o.lev, o.maat}) sqlite3_reset(s);
   return true;
 }
 
