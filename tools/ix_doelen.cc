@@ -67,8 +67,13 @@ std::vector<Doel> alles() {
 }  // namespace
 
 std::optional<std::vector<Doel>> ix_doelen(const std::vector<std::string>& namen) {
-  if (namen.empty()) return alles();
   std::vector<Doel> uit;
+  if (namen.empty()) {
+    uit = alles();
+    if (!uit.empty()) return uit;
+    fmt::print(stderr, "ixtool: hier staan geen tabellen\n");
+    return std::nullopt;
+  }
   for (const std::string& naam : namen) {
     std::optional<Doel> doel = doel_van(naam);
     if (!doel) {

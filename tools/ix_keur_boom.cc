@@ -185,7 +185,9 @@ struct Loop {
 
 /// Blocks that no tree holds: emptied ones, if all is well.
 void keur_losse(Keuring& k, const std::vector<bool>& bereikt, bool onvolledig) {
-  for (int64_t blok = k.kop.key_count + 2; blok < k.blokken; ++blok) {
+  // What the file has too much was told with its size.
+  const int64_t einde = std::min<int64_t>(k.blokken, k.kop.next_block);
+  for (int64_t blok = k.kop.key_count + 2; blok < einde; ++blok) {
     if (bereikt[static_cast<size_t>(blok)]) continue;
     ++k.leeg;
     if (!onvolledig && k.blok(blok)[offsetof(IxBlok, count)] != 0)

@@ -268,7 +268,7 @@ void met_hertoets(int wacht, Verslag* v, void (*keur)(int, Verslag*)) {
     *v = std::move(eerst);
     return;
   }
-  const timespec even{0, 300000000};
+  const timespec even{0, 200000000};
   nanosleep(&even, nullptr);
   std::set<std::string> gezien;
   for (const Bevinding& b : eerst.rijen) gezien.insert(verslag_regel(eerst, b));

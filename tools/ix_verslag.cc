@@ -8,11 +8,7 @@
 
 namespace {
 
-constexpr size_t RIJEN_MEEST = 200;
-
-void voeg_toe(Verslag* v, bool fout, const Plek& plek, std::string wat) {
-  if (v->rijen.size() < RIJEN_MEEST) v->rijen.push_back({fout, plek, std::move(wat)});
-}
+constexpr size_t FOUTEN_MEEST = 200, NOTEN_MEEST = 200;
 
 size_t fouten_getoond(const Verslag& v) {
   size_t n = 0;
@@ -23,12 +19,11 @@ size_t fouten_getoond(const Verslag& v) {
 }  // namespace
 
 void Verslag::fout(const Plek& plek, std::string wat) {
-  ++fouten;
-  voeg_toe(this, true, plek, std::move(wat));
+  if (++fouten <= FOUTEN_MEEST) rijen.push_back({true, plek, std::move(wat)});
 }
 
 void Verslag::noot(const Plek& plek, std::string wat) {
-  voeg_toe(this, false, plek, std::move(wat));
+  if (++noten <= NOTEN_MEEST) rijen.push_back({false, plek, std::move(wat)});
 }
 
 std::string verslag_regel(const Verslag& v, const Bevinding& b) {

@@ -23,7 +23,7 @@ struct Bevinding {
 struct Verslag {
   std::string tabel;
   std::vector<Bevinding> rijen;
-  size_t fouten = 0;
+  size_t fouten = 0, noten = 0;
   std::string stand;  // what to say of a sound table: "120 records, 3 verwijderd"
 
   void fout(const Plek& plek, std::string wat);

@@ -62,11 +62,49 @@ void eigen_opties(CLI::App* verb, const std::string& naam, IxOpdracht* o) {
   if (naam == "walk") {
     verb->add_option("--sleutel", o->sleutel, "Nummer van de sleutel")
         ->check(CLI::Range(1, IX_SLEUTELS));
-    verb->add_option("--prefix", o->prefix, "Waarden van de eerste sleutelvelden")->delimiter(',');
+    verb->add_option("--prefix", o->prefix, "Waarden van de eerste sleutelvelden")
+        ->delimiter(',')
+        ->allow_extra_args(false);
   }
   if (naam == "dump" || naam == "walk")
-    verb->add_option("--velden", o->velden, "Alleen deze velden")->delimiter(',');
+    verb->add_option("--velden", o->velden, "Alleen deze velden")
+        ->delimiter(',')
+        ->allow_extra_args(false);
   if (naam == "queue") verb->add_flag("--wis", o->wis, "Wist de wachtrij, zonder vraag");
+}
+
+/// What is wrong with a call, in the operator's language.
+const char* aanroepfout(const CLI::ParseError& fout) {
+  switch (static_cast<CLI::ExitCodes>(fout.get_exit_code())) {
+    case CLI::ExitCodes::RequiredError:
+      return "een opdracht of waarde ontbreekt";
+    case CLI::ExitCodes::ArgumentMismatch:
+      return "een optie heeft een waarde te veel of te weinig";
+    case CLI::ExitCodes::ConversionError:
+    case CLI::ExitCodes::ValidationError:
+    case CLI::ExitCodes::InvalidError:
+      return "een optie heeft een ongeldige waarde";
+    default:
+      return "onbekende opdracht of optie";
+  }
+}
+
+int weiger(const CLI::App& app, const CLI::ParseError& fout) {
+  if (fout.get_exit_code() == 0) return app.exit(fout);  // help
+  fmt::print(stderr, "ixtool: {}; zie ixtool --help\n", aanroepfout(fout));
+  return 2;
+}
+
+void nederlands(CLI::App* app) {
+  const auto f = app->get_formatter();
+  f->label("Usage", "Gebruik");
+  f->label("OPTIONS", "opties");
+  f->label("SUBCOMMAND", "OPDRACHT");
+  f->label("Positionals", "Namen");
+  f->label("TEXT", "TEKST");
+  f->label("INT", "GETAL");
+  app->option_defaults()->group("Opties");
+  app->set_help_flag("-h,--help", "Toont dit");
 }
 
 int voer_uit(const IxOpdracht& o, const std::string& map, const Verb& verb) {
@@ -89,11 +127,14 @@ int voer_uit(const IxOpdracht& o, const std::string& map, const Verb& verb) {
 int main(int argc, char** argv) {
   setlocale(LC_CTYPE, "");
   CLI::App app{"Keurt, herbouwt en toont de tabellen van een gegevensmap", "ixtool"};
+  nederlands(&app);
   app.require_subcommand(1);
   IxOpdracht o;
   std::string map;
   for (const Verb& v : VERBS) {
-    CLI::App* verb = app.add_subcommand(v.naam, v.uitleg);
+    CLI::App* verb = app.add_subcommand(v.naam, v.uitleg)->group("Opdrachten");
+    verb->option_defaults()->group("Opties");
+    verb->set_help_flag("-h,--help", "Toont dit");
     verb->add_flag("--json", o.json, "Uitvoer als JSON");
     verb->add_option("-C", map, "Gegevensmap");
     verb->add_option("--wacht", o.wacht, "Seconden wachten op een slot")
@@ -104,7 +145,7 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& fout) {
-    return app.exit(fout) == 0 ? 0 : 2;
+    return weiger(app, fout);
   }
   for (const Verb& v : VERBS)
     if (app.got_subcommand(v.naam)) return voer_uit(o, map, v);

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <exception>
 #include <thread>
 
 #include "isam/base.h"
@@ -117,11 +118,17 @@ void lees_rij_heel(int fd, std::vector<uint8_t>* index) {
 
 void op_lage_voorrang(const std::function<void()>& werk) {
   // Priority belongs to a thread here, and who gave it away cannot take it back.
+  std::exception_ptr fout;
   std::thread draad([&] {
     setpriority(PRIO_PROCESS, 0, 19);
-    werk();
+    try {
+      werk();
+    } catch (...) {
+      fout = std::current_exception();
+    }
   });
   draad.join();
+  if (fout) std::rethrow_exception(fout);
 }
 
 namespace {
