@@ -112,6 +112,13 @@ void ix_kop_schrijf(const ICB* icb) {
   io_schrijf(icb->index_fd, blok, IX_BLOK, 0);
 }
 
+void ix_kap_index(ICB* icb) {
+  icb->busy = 1;
+  ix_kop_schrijf(icb);
+  icb->busy = 0;
+  io_kap(icb->index_fd, IX_BLOK);
+}
+
 void ix_kop_open(ICB* icb) {
   IXLOCK(icb, 2);
   ix_kop_lees(icb);

@@ -113,8 +113,8 @@ int IXBLDIX(const char* name) {
     ix_vrij(icb);
     return 0;
   }
-  io_kap(icb->index_fd, 0);
   memcpy(static_cast<void*>(icb), &kop, IX_KOP);
+  ix_kap_index(icb);
   if (IOCACHE('I', icb, 0) == 0) ix_fataal(txt(T_IX_GEEN_GEHEUGEN_BOUW));
   IXINITIX(icb);
   bouw(icb, buffer);

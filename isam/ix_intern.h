@@ -69,6 +69,9 @@ void ix_kop_schrijf(const ICB* icb);
 /// The header protocol around each change in shared mode: lock, read, mark busy; write, unlock.
 void ix_kop_open(ICB* icb);
 void ix_kop_dicht(ICB* icb);
+/// Cuts the index down to its header, marked as being updated: whoever dies now leaves definitions
+/// to rebuild from.
+void ix_kap_index(ICB* icb);
 /// Nobody else can change the index now.
 inline bool ix_alleen(const ICB* icb) {
   return icb->file_locked != 0 || icb->mode == IX_EXCLUSIEF || icb->kop_slot != 0;

@@ -161,7 +161,9 @@ bool IXINITIX(ICB* icb) {
   icb->busy = 0;
   icb->version = IX_VERSIE;
   if (!ix_kop_geldig(icb)) ix_kapot(icb);  // a definition that no block could hold
+  icb->busy = 1;
   ix_kop_schrijf(icb);
+  icb->busy = 0;
   for (int k = 1; k <= icb->key_count; ++k) {
     icb->block = IxBlok{};
     icb->block.key_number = static_cast<int8_t>(k);
@@ -175,6 +177,8 @@ bool IXINITIX(ICB* icb) {
   IXWRIX(icb, icb->key_count + 1);
   icb->block_no = icb->key_count + 1;
   icb->record_no = -1;
+  // A rebuild keeps its mark: its blocks are still in memory.
+  if (icb->cached == 0) ix_kop_schrijf(icb);
   IXRDIX(icb, 1);
   return true;
 }
@@ -218,9 +222,9 @@ void IXCLOSE(ICB* icb) {
 bool IXINIT(ICB* icb) {
   ix_test(icb, "IXINIT");
   IXLOCK(icb, 1);
-  io_kap(icb->index_fd, 0);
-  const bool goed = IXINITIX(icb);
+  ix_kap_index(icb);
   if (icb->is_private == 0) io_kap(icb->data_fd, 0);
+  const bool goed = IXINITIX(icb);
   if (icb->mode != IX_EXCLUSIEF) IXLOCK(icb, 11);
   return goed;
 }
