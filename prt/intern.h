@@ -50,6 +50,3 @@ void prt_omzet();
 /// Rewrites the spool file: `schrijf` gets the old one from its start. False leaves it as it was.
 bool prt_herschrijf(bool (*schrijf)(FILE* van, FILE* naar));
 
-// prt/drukpoort: the printer port of the operator's own terminal.
-bool prt_poort_eigen(const char* device);
-bool prt_poort(bool aan);  // false when the terminal has none

@@ -22,6 +22,12 @@ int prt_wacht_ms = 10000;
 
 namespace {
 
+/// The printer hangs on the terminal that the operator works at.
+bool eigen_terminal(const char* device) {
+  const char* tty = ttyname(0);
+  return tty != nullptr && std::strcmp(tty, device) == 0;
+}
+
 std::string cat_naar(const std::string& bestand, const std::string& device) {
   return "cat " + sh_quote(bestand) + " >>" + sh_quote(device);
 }
@@ -73,12 +79,12 @@ void medium_fout() {
 bool kopie_poort() {
   FILE* bestand = std::fopen(prt_rec.spool_name, "rb");
   if (bestand == nullptr) return false;
-  const bool aan = prt_poort(true);
+  const bool aan = scr_poort(true);
   if (aan) {
     for (int teken = std::getc(bestand); teken != EOF; teken = std::getc(bestand))
       std::putchar(teken);
     std::fflush(stdout);
-    prt_poort(false);
+    scr_poort(false);
   }
   std::fclose(bestand);
   if (!aan) medium_fout();
@@ -151,7 +157,7 @@ void prt_naar_map() {
 }
 
 void prt_naar_poort() {
-  if (prt_poort_eigen(prt_rec.device))
+  if (eigen_terminal(prt_rec.device))
     naar_eigen_poort();
   else
     naar_andere_poort();

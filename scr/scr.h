@@ -192,6 +192,9 @@ void scr_busy_allow();
 void scr_beep();
 void scr_cursor(bool aan);
 bool scr_kleuren();                       // the current terminal has colours
+/// Switches the terminal's printer port: what goes to standard output while it is on is printed, and
+/// output calls draw nothing. False when the terminal has none.
+bool scr_poort(bool aan);
 /// The shared scratch line: what a report head shows as its centre when nobody writes it.
 extern char scr_kladregel[256];
 /// The shared scratch buffer of line formatters (browser callbacks).
