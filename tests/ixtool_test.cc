@@ -397,6 +397,38 @@ TEST(IxtoolCheck, PrivateIndexes) {
   EXPECT_NE(u.fout.find("DTSER.V07 kan niet herbouwd worden"), std::string::npos);
 }
 
+/// Whatever others write until the lock is held, the copy is the file as it stands then.
+TEST(Tabelkopie, IsTheFileAsItStandsUnderTheLock) {
+  const TempDir map;
+  const InMap in(map.pad);
+  std::mt19937 gok(7);
+  std::string bytes(300000, '\0');
+  for (char& c : bytes) c = static_cast<char>(gok());
+  zet_bytes("een", bytes);
+  zet_bytes("twee", bytes);
+  const int een = io_open("een", false), twee = io_open("twee", false);
+  for (const int64_t grootte : {0, 65536, 299999, 400000}) {
+    std::vector<uint8_t> kopie_een, kopie_twee;
+    const KopieBron bronnen[] = {{een, &kopie_een}, {twee, &kopie_twee}};
+    int tries = 0, los = 0;
+    KopieSlot slot;
+    slot.neem = [&] {
+      if (++tries < 4) return false;
+      io_schrijf(een, "nieuw", 5, 131070);  // across two pieces
+      io_kap(twee, grootte);
+      return true;
+    };
+    slot.los = [&] { ++los; };
+    slot.binnen = [&] { EXPECT_EQ(los, 0); };
+    EXPECT_EQ(kopieer_onder_slot(bronnen, slot, 5).uit, KopieUit::goed);
+    EXPECT_EQ(los, 1);
+    EXPECT_EQ(std::string(kopie_een.begin(), kopie_een.end()), bytes_van("een"));
+    EXPECT_EQ(std::string(kopie_twee.begin(), kopie_twee.end()), bytes_van("twee"));
+  }
+  io_close(een);
+  io_close(twee);
+}
+
 // Rebuild -----------------------------------------------------------------------------------------
 
 TEST(IxtoolRebuild, MakesABrokenIndexSound) {

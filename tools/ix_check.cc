@@ -218,7 +218,7 @@ void herbouw(const Doel& d, const IxOpdracht& o, Verslag* v) {
   }
   if (access(data.c_str(), R_OK | W_OK) != 0 ||
       (file_exists(index.c_str()) && access(index.c_str(), R_OK | W_OK) != 0)) {
-    v->fout({}, fmt::format("niet te openen: {}", strerror(errno)));
+    v->fout({}, fmt::format("niet te openen: {}", systeemfout(errno)));
     return;
   }
   if (def != nullptr && grootte % def->lengte != 0) {

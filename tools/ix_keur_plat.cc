@@ -45,7 +45,7 @@ struct Descriptors {
 
 bool open(const std::string& pad, int* fd, Verslag* v) {
   *fd = io_open(pad.c_str(), false);
-  if (*fd < 0) v->fout({}, fmt::format("{} is niet te openen: {}", pad, strerror(errno)));
+  if (*fd < 0) v->fout({}, fmt::format("{} is niet te openen: {}", pad, systeemfout(errno)));
   return *fd >= 0;
 }
 
@@ -54,7 +54,7 @@ bool kopieer(const PlatBestand& p, int wacht, PlatKopie* uit, Verslag* v) {
   Descriptors d;
   const std::string tabel = p.tabel;
   if (access("DTSYS.TXT", R_OK | W_OK) != 0) {
-    v->fout({}, fmt::format("DTSYS.TXT is niet te openen: {}", strerror(errno)));
+    v->fout({}, fmt::format("DTSYS.TXT is niet te openen: {}", systeemfout(errno)));
     return false;
   }
   if (!open(p.bestand, &d.plat, v) || !open(tabel + ".TXT", &d.data, v)) return false;

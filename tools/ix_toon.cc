@@ -266,7 +266,7 @@ struct Wachtrij {
   std::string open(const Doel& d, int wacht) {
     const std::string pad = ix_paden(d.naam.c_str()).index;
     fd = io_open(pad.c_str(), false);
-    if (fd < 0) return fmt::format("{} is niet te openen: {}", pad, strerror(errno));
+    if (fd < 0) return fmt::format("{} is niet te openen: {}", pad, systeemfout(errno));
     if (io_lees(fd, &kop, IX_KOP, 0) != IX_KOP || !ix_kop_geldig(&kop))
       return pad + " heeft geen bruikbare kop";
     plaats = ix_blokplaats(kop.key_count + 1);

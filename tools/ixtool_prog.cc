@@ -109,7 +109,7 @@ void nederlands(CLI::App* app) {
 
 int voer_uit(const IxOpdracht& o, const std::string& map, const Verb& verb) {
   if (!map.empty() && chdir(map.c_str()) != 0) {
-    fmt::print(stderr, "ixtool: {}: {}\n", map, strerror(errno));
+    fmt::print(stderr, "ixtool: {}: {}\n", map, systeemfout(errno));
     return 2;
   }
   ix_hooks.fataal = fataal;

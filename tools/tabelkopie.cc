@@ -209,12 +209,30 @@ KopieStand tabel_kopieer(const std::string& naam, int wacht, TabelKopie* uit) {
   return stand;
 }
 
+std::string systeemfout(int fout) {
+  switch (fout) {
+    case ENOENT:
+      return "bestaat niet";
+    case EACCES:
+    case EPERM:
+      return "geen toegang";
+    case EROFS:
+      return "alleen te lezen";
+    case EIO:
+      return "leesfout";
+    case EISDIR:
+      return "is een map";
+    default:
+      return fmt::format("fout {}", fout);
+  }
+}
+
 std::string kopie_tekst(const KopieStand& s) {
   switch (s.uit) {
     case KopieUit::ontbreekt:
       return fmt::format("{} ontbreekt", s.bestand);
     case KopieUit::geweigerd:
-      return fmt::format("{} is niet te lezen: {}", s.bestand, strerror(s.fout));
+      return fmt::format("{} is niet te lezen: {}", s.bestand, systeemfout(s.fout));
     case KopieUit::bezet:
       return fmt::format("{} is in gebruik door proces {}", s.bestand, s.houder);
     case KopieUit::te_groot:

@@ -48,5 +48,7 @@ KopieStand kopieer_onder_slot(std::span<const KopieBron>, const KopieSlot&, int 
 /// Runs a piece of work at the lowest priority. Never anything that holds a lock: on a busy machine
 /// its holder must not wait for everybody else.
 void op_lage_voorrang(const std::function<void()>& werk);
+/// What went wrong with a file, by errno.
+std::string systeemfout(int fout);
 /// Process that holds a lock in the range, 0 none.
 pid_t slot_houder(int fd, int64_t offset, int64_t length);
