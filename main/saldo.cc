@@ -27,7 +27,6 @@ namespace {
 
 constexpr int FUNCTIE = 10;   // work function of order lines
 constexpr int KEY_PAREN = 3;  // DTPICK by branch pair and order number
-constexpr int PAARVELDEN = 3;
 
 /// Both criteria maps all ones, so that a branch limit of the screen has no effect here.
 void stel_lijst_in() {
@@ -83,10 +82,9 @@ int dtpick_soorten() {
   IXSWITCH(dtpick, KEY_PAREN);
   DtPick regel{};
   int soorten = 0;
-  // An order's lines lie together: one step an order, without its records.
-  for (bool er = IXFIRSTK(dtpick, &regel, PAARVELDEN); er && soorten != 3;
-       er = IXNEXTK(dtpick, &regel, PAARVELDEN)) {
+  for (bool er = IXFIRSTR(dtpick, &regel); er && soorten != 3; er = IXNEXT(dtpick, &regel)) {
     soorten |= regel.opdrachtnr == 0 ? 1 : 2;
+    regel.nr = {UINT32_MAX, UINT16_MAX, UINT16_MAX};  // past the other lines of this order
   }
   IXSWITCH(dtpick, sleutel);
   return soorten;
