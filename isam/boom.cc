@@ -163,6 +163,24 @@ int32_t IXFINDBLK(ICB* icb, char op, int lengte) {
   return nr < aantal ? wijzer_van(icb, nr) : -1;
 }
 
+namespace {
+
+/// Which block a search without locks reads first. The buffered block itself, if the key was inside
+/// it: the search may well end there. For a step over its end the parent, for anything else the
+/// root: each descent from an ancestor ends in the same leaf, and climbing level by level would
+/// read the way twice. A step back stays where the search before it stopped.
+int32_t begin_blok(const ICB* icb, char op, int lengte) {
+  const IxBlok& b = icb->block;
+  if (op == '<' || b.level != 1 || b.count <= 0 || icb->block_no <= icb->key_count ||
+      ix_in_blok(icb, op, lengte))
+    return icb->block_no;
+  const int32_t hoger = ouder(icb);
+  const bool stap = op == '>' && hoger > icb->key_count && vergelijk(icb, b.count - 1, lengte) == 0;
+  return stap ? hoger : ix_huidig(icb);
+}
+
+}  // namespace
+
 int32_t IXSEARCH(ICB* icb, char op, int length) {
   ix_test(icb, "IXSEARCH");
   const int sleutel = ix_huidig(icb);
@@ -170,7 +188,7 @@ int32_t IXSEARCH(ICB* icb, char op, int length) {
     IXRDIX(icb, sleutel);
     icb->kop_slot = 2;
   } else if (!ix_alleen(icb)) {
-    IXRDIX(icb, icb->block_no);
+    IXRDIX(icb, begin_blok(icb, op, length));
     if (icb->block.key_number != sleutel) IXRDIX(icb, sleutel);
   }
   // A step back is only sound inside the leaf that a search for the same key has found.

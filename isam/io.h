@@ -1,7 +1,7 @@
 // The one place where blocks and records are read and written.
 //
 // Plain pread and pwrite, on every file system. A 512-byte write is not atomic against a reader, so
-// a re-read that equals what the reader already had is whole, and any other is read again until two
+// a re-read that equals what was read whole before is whole, and any other is read again until two
 // reads agree. A table's file is opened once a process: handles share descriptors through a
 // registry of device and inode, because a close of any descriptor of a file drops all the process's
 // locks on it. Tests may count, tear and stop transfers through io_proef.
