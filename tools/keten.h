@@ -20,9 +20,10 @@ struct KetenMaat {
   uint16_t vandaag;  // date number
   bool transit;
   int filialen, leveranciers, merken, artikelgroepen, klanten, series;
-  int etiketten;     // mean of a series
-  int ean_promille;  // label series with foreign codes
-  int ean_meest;     // rows of DTEAN at most
+  int etiketten;                // mean of a series
+  int twee_sets, drie_groepen;  // price sets: chances of two, and of three groups, in thousandths
+  int ean_promille;             // label series with foreign codes
+  int ean_meest;                // rows of DTEAN at most
   int voorlopig, voorlopig_series;
   int opdrachten, definitief;
   uint32_t teller;  // of order numbers when the last order was made

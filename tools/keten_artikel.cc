@@ -38,7 +38,7 @@ constexpr Groep GROEPEN[] = {
      "Ve"},
     {10800, "Damesjassen", 1, 'D', 1, 90, 280, 'P', true, true, false, false, 1, 2, 4, "Jas", "Ja"},
     {10900, "Lingerie", 2, 'D', 10, 20, 60, 'A', true, false, true, false, 0, 2, 4, "Bh", "Li"},
-    {11000, "Kousen", 2, 'D', 2, 5, 20, 'A', true, true, false, true, 0, 2, 4, "Panty", "Ko"},
+    {11000, "Kousen", 2, 'D', 2, 5, 20, 'A', true, true, false, true, 0, 2, 5, "Panty", "Ko"},
     {20100, "Overhemden", 3, 'H', 4, 35, 90, 'A', true, true, false, false, 2, 2, 7, "Overhemd",
      "Ov"},
     {20200, "Herenshirts", 3, 'H', 2, 15, 50, 'A', true, true, false, false, 2, 2, 6, "T-shirt",

@@ -187,6 +187,7 @@ KetenMaat keten_klein() {
   m.klanten = 200;
   m.series = 1800;
   m.etiketten = 46;
+  m.twee_sets = 340;
   m.ean_promille = 200;
   m.ean_meest = 100000;
   m.voorlopig = 420;
@@ -211,6 +212,8 @@ KetenMaat keten_groot() {
   m.klanten = 5000;
   m.series = 24000;
   m.etiketten = 150;
+  m.twee_sets = 710;
+  m.drie_groepen = 270;
   m.ean_promille = 1000;
   m.ean_meest = 147000;  // beside the codes of series with size registration
   m.voorlopig = 60000;

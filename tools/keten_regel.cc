@@ -62,18 +62,26 @@ uint8_t ontvanger(const Keten& k, Bron& b, uint8_t van) {
   return static_cast<uint8_t>(n >= van && van != 0 ? n + 1 : n);
 }
 
+uint8_t volgende_ontvanger(const Keten& k, uint8_t van, uint8_t naar) {
+  do {
+    naar = static_cast<uint8_t>(naar + 1 < k.maat.filialen ? naar + 1 : 1);
+  } while (naar == van);
+  return naar;
+}
+
 uint8_t verzender(const Keten& k, Bron& b) {
   return b.kans(800) ? uint8_t{0} : static_cast<uint8_t>(b.tussen(1, k.maat.filialen - 1));
 }
 
 void voorlopige(Loop& l, int aantal) {
   std::set<std::pair<uint8_t, uint8_t>> paren;
-  while (aantal > 0) {
+  for (; aantal > 0; --aantal) {
     const uint8_t van = verzender(l.k, l.b);
-    const uint8_t naar = ontvanger(l.k, l.b, van);
-    if (!paren.insert({van, naar}).second) continue;
-    l.uit->regels.push_back(regel(l, van, naar));
-    --aantal;
+    uint8_t naar = ontvanger(l.k, l.b, van);
+    // A pair stands in a series once; another receiver is sought, so that senders keep their share.
+    for (int poging = 1; paren.contains({van, naar}) && poging < l.k.maat.filialen; ++poging)
+      naar = volgende_ontvanger(l.k, van, naar);
+    if (paren.insert({van, naar}).second) l.uit->regels.push_back(regel(l, van, naar));
   }
 }
 

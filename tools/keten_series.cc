@@ -164,9 +164,10 @@ int32_t etiketten(const KetenMaat& maat, Bron& b) {
 void taak(const KetenMaat& maat, const DtSer& serie, int maten, SerieTaak* t, Bron& b) {
   t->etiketten = etiketten(maat, b);
   t->spookblokken = b.kans(50) ? b.tussen(2, 6) : 0;
-  t->sets = static_cast<uint8_t>(b.kans(60) ? 0 : b.kans(340) ? 2 : b.kans(110) ? 3 : 1);
+  t->sets = static_cast<uint8_t>(b.kans(60) ? 0 : b.kans(maat.twee_sets) ? 2 : b.kans(110) ? 3 : 1);
   for (int s = 0; s < t->sets; ++s)
-    t->groepen[s] = static_cast<uint8_t>(std::min(1 + b.tot(3), maten));
+    t->groepen[s] =
+        static_cast<uint8_t>(std::min(b.kans(maat.drie_groepen) ? 3 : 1 + b.tot(3), maten));
   t->spookgroepen = b.kans(20) ? 2 : 0;
   t->met_ean = serie.maatregistratie == 0 && b.kans(maat.ean_promille);
 }
@@ -205,11 +206,28 @@ int16_t deel(int64_t totaal, size_t i, size_t n) {
   return static_cast<int16_t>(tot(i + 1) - tot(i));
 }
 
+/// Series that are being spread over the shops have most order lines: of each stretch the one with
+/// most to give.
+void deel_regels(Keten* k) {
+  const auto groepen = static_cast<size_t>(k->maat.voorlopig_series);
+  const size_t n = k->series.size();
+  const auto voorraad = [](const SerieTaak& t) {
+    constexpr int32_t DEEL[] = {9, 4, 3, 2};  // by age
+    return t.etiketten * DEEL[static_cast<size_t>(t.leeftijd)];
+  };
+  for (size_t g = 0; g < groepen; ++g) {
+    const auto van = k->taken.begin() + static_cast<ptrdiff_t>(g * n / groepen);
+    const auto tot = k->taken.begin() + static_cast<ptrdiff_t>((g + 1) * n / groepen);
+    std::max_element(van, tot, [&](const SerieTaak& a, const SerieTaak& b) {
+      return voorraad(a) < voorraad(b);
+    })->voorlopig = deel(k->maat.voorlopig, g, groepen);
+  }
+}
+
 void deel_uit(Keten* k) {
   const KetenMaat& m = k->maat;
   const size_t n = k->series.size();
   const size_t meest = n * 9 / 10;  // the last series make up for what those before fell short
-  const auto met_regels = static_cast<size_t>(m.voorlopig_series);
   for (size_t i = 0; i < n; ++i) {
     SerieTaak& t = k->taken[i];
     t.onderweg = deel(m.onderweg, i, meest);
@@ -217,9 +235,6 @@ void deel_uit(Keten* k) {
     t.financieel = deel(m.financieel, i, meest);
     t.ontvangsten = deel(m.ontvangsten, i, meest);
     t.aanvul = deel(m.aanvul, i, meest);
-    // The series with provisional lines lie spread over all.
-    if (deel(static_cast<int64_t>(met_regels), i, n) != 0)
-      t.voorlopig = deel(m.voorlopig, i * met_regels / n, met_regels);
     k->blokken += (t.etiketten + ETI_SLOTS - 1) / ETI_SLOTS + t.spookblokken;
     k->prijsgroepen += t.spookgroepen;
     for (int s = 0; s < t.sets; ++s) k->prijsgroepen += t.groepen[s];
@@ -236,6 +251,7 @@ void keten_series(Keten* k) {
     kleuren_van(k, model(*k, lijst, b), b, &volgnr);
   }
   deel_uit(k);
+  deel_regels(k);
   for (const Seizoen& s : lijst) {
     InkSys rec{};
     rec.jaar = s.jaar;
