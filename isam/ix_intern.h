@@ -116,6 +116,10 @@ extern size_t ix_cache_plaatsen;
 // Records
 // --------------------------------------------------------------------------------------------
 
+/// Does a piece of a file lie across pages, so that a write of it comes in parts?
+inline bool ix_over_pagina(int64_t plaats, size_t n) {
+  return plaats / 4096 != (plaats + static_cast<int64_t>(n) - 1) / 4096;
+}
 bool ix_levend(const uint8_t* rec, int lengte);
 /// Offset of record_no in the data file; a negative one ends the run.
 int64_t IXSEEKDAT(const ICB* icb);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 
 #include "isam/io.h"
 #include "isam/ix_intern.h"
@@ -91,6 +92,49 @@ bool geef_sleutel(ICB* icb, void* rec, const Grens& grens) {
   return true;
 }
 
+/// Is nobody writing to these slots now? Changes of a table hold its header; a private index only
+/// has the record's own lock to go by.
+bool in_rust(const ICB* icb, size_t n, int64_t plaats) {
+  return icb->is_private != 0 ? file_lock('T', icb->data_fd, plaats, static_cast<int64_t>(n))
+                              : file_lock('T', icb->index_fd, 0, IX_BLOK);
+}
+
+/// How long to wait for that. A record may stay locked through somebody's lunch, and whoever holds
+/// the whole file keeps the header too: then two readings that agree have to do.
+int64_t geduld_us(const ICB* icb) {
+  if (icb->is_private != 0) return 2000;
+  return file_lock('T', icb->data_fd, INT64_MAX / 2, 1) ? 200000 : 0;
+}
+
+/// A write that runs from one page of the file into the next can be seen half done for as long as
+/// its writer is kept from going on, and two readings then agree on the half. They only count with
+/// a moment between them at which nobody was writing.
+int64_t lees_zeker(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
+  static uint8_t weer[INT16_MAX + 1];
+  int64_t gewacht = 0, geduld = -1;
+  for (int64_t pauze = 20;; pauze = std::min<int64_t>(pauze * 2, 1000)) {
+    const bool rust = in_rust(icb, n, plaats);
+    const int64_t uit = io_lees(icb->data_fd, weer, n, plaats);
+    if (uit != static_cast<int64_t>(n)) return uit;
+    const bool gelijk = memcmp(buffer, weer, n) == 0;
+    if (gelijk && rust) return uit;
+    if (geduld < 0) geduld = rust ? -1 : geduld_us(icb);
+    if (geduld >= 0 && gewacht >= geduld && gelijk) return uit;
+    memcpy(buffer, weer, n);
+    if (rust) continue;
+    const timespec even{0, pauze * 1000};
+    nanosleep(&even, nullptr);
+    gewacht += pauze;
+  }
+}
+
+int64_t lees_slots(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
+  if (ix_alleen(icb)) return io_lees(icb->data_fd, buffer, n, plaats);
+  const int64_t uit = io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr);
+  const bool over = uit == static_cast<int64_t>(n) && ix_over_pagina(plaats, n);
+  return over ? lees_zeker(icb, buffer, n, plaats) : uit;
+}
+
 }  // namespace
 
 bool ix_levend(const uint8_t* rec, int lengte) {
@@ -113,9 +157,7 @@ int64_t IXSEEKDAT(const ICB* icb) {
 
 bool IXRDDAT(const ICB* icb, void* rec) {
   const auto lengte = static_cast<size_t>(icb->record_length);
-  const int64_t plaats = IXSEEKDAT(icb);
-  const int64_t n = ix_alleen(icb) ? io_lees(icb->data_fd, rec, lengte, plaats)
-                                   : io_lees_heel(icb->data_fd, rec, lengte, plaats, nullptr);
+  const int64_t n = lees_slots(icb, rec, lengte, IXSEEKDAT(icb));
   if (n != static_cast<int64_t>(lengte)) {
     memset(rec, 0xFF, lengte);
     return false;
@@ -299,8 +341,7 @@ bool seq_vul(ICB* icb) {
   const int64_t over = (static_cast<int64_t>(icb->record_count) - seq.recno - 1) *
                        static_cast<int64_t>(icb->record_length);
   const auto wens = static_cast<size_t>(std::min(static_cast<int64_t>(seq.grootte), over));
-  const int64_t n = ix_alleen(icb) ? io_lees(icb->data_fd, seq.buffer, wens, plaats)
-                                   : io_lees_heel(icb->data_fd, seq.buffer, wens, plaats, nullptr);
+  const int64_t n = lees_slots(icb, seq.buffer, wens, plaats);
   const auto heel = static_cast<size_t>(std::max<int64_t>(n, 0));
   memset(seq.buffer + heel, 0xFF, seq.grootte - heel);  // a short file reads as deleted slots
   seq.gevuld = wens;

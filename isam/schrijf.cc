@@ -195,7 +195,12 @@ bool IXDELETE(ICB* icb, void* rec) {
 }
 
 void IXPUTREC(ICB* icb, void* rec) {
+  // A reader of a record across two pages takes an unlocked header for a table at rest.
+  const bool kop = !ix_alleen(icb) && icb->is_private == 0 &&
+                   ix_over_pagina(IXSEEKDAT(icb), static_cast<size_t>(icb->record_length));
+  if (kop) IXLOCK(icb, 2);
   IXWRDAT(icb, rec);
+  if (kop) IXLOCK(icb, 12);
   IXLOCK(icb, 13);
 }
 
