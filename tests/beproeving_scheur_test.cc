@@ -149,6 +149,16 @@ TEST_F(Scheuren, ThoughNearlyAllOfThemAreTorn) {
   EXPECT_GT(Scheur::gescheurd, 200);
 }
 
+const BepRec* over_rec;
+
+/// Kept from going on at the border of a page: the half that is done can be read for a while.
+void over_de_grens(int fd, int64_t offset, size_t n) {
+  const int64_t grens = (offset / 4096 + 1) * 4096;
+  if (n != sizeof(BepRec) || grens >= offset + static_cast<int64_t>(n)) return;
+  const void* rec = over_rec;
+  if (pwrite(fd, rec, static_cast<size_t>(grens - offset), offset) > 0) usleep(1000);
+}
+
 /// Beside a writer on whatever file system the tests stand, as fast as both can.
 TEST(ScheurenEcht, AReaderBesideAWriter) {
   TempDir map;
@@ -188,6 +198,63 @@ TEST(ScheurenEcht, AReaderBesideAWriter) {
   EXPECT_EQ(schrijver.einde(20), "");
   EXPECT_GT(gelezen->load(), 1000);
   EXPECT_EQ(tabel_fouten("TAB"), "");
+}
+
+bool ix_over(const ICB* icb) {
+  const int64_t plaats = int64_t{icb->record_no} * icb->record_length;
+  return icb->record_no >= 0 && plaats / 4096 != (plaats + icb->record_length - 1) / 4096;
+}
+
+TEST(ScheurenEcht, AWriterKeptAtTheBorderOfAPage) {
+  TempDir map;
+  InMap in(map.pad);
+  IXCLOSE(bep_tabel("TAB", IX_EXCLUSIEF));
+  ICB* icb = IXOPEN("TAB", IX_GEDEELD);
+  for (int n = 0; n < 60; ++n) {
+    BepRec r = bep_rec(n);
+    ASSERT_TRUE(IXWRITE(icb, &r));
+  }
+  BepRec r = bep_rec(0);
+  while (!ix_over(icb)) {
+    r = bep_rec(r.nummer + 1);
+    ASSERT_TRUE(IXREAD(icb, &r));
+  }
+  const int nummer = r.nummer;
+  IXCLOSE(icb);
+  Kind schrijver([nummer] {
+    ICB* tab = IXOPEN("TAB", IX_GEDEELD);
+    io_proef.voor_schrijf = over_de_grens;
+    for (int n = 0; n < 300; ++n) {
+      BepRec was = bep_rec(nummer), nieuw = bep_rec(nummer, 0, n);
+      over_rec = &nieuw;
+      IXREADL(tab, &was);
+      if (n % 2 == 0)
+        IXWRITE(tab, &nieuw);
+      else
+        IXPUTREC(tab, &nieuw);
+      usleep(300);
+    }
+    IXCLOSE(tab);
+    return std::string();
+  });
+  Samen<std::atomic<long>> gelezen;
+  Kind lezer([nummer, &gelezen] {
+    ICB* tab = IXOPEN("TAB", IX_LEES);
+    std::string fout;
+    for (BepRec w{}; w.versie < 290 && fout.empty(); ++*gelezen) {
+      w = bep_rec(nummer);
+      if (!IXREAD(tab, &w)) fout = "not there";
+      if (!bep_heel(w)) fout = "read " + bep_toon(w);
+      while (fout.empty() && IXSEQ(tab, &w))
+        if (!bep_heel(w)) fout = "scanned " + bep_toon(w);
+      w = bep_rec(nummer);
+      IXREAD(tab, &w);
+    }
+    return fout;
+  });
+  EXPECT_EQ(lezer.einde(60), "");
+  EXPECT_EQ(schrijver.einde(60), "");
+  EXPECT_GT(gelezen->load(), 10);
 }
 
 }  // namespace
