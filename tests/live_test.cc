@@ -1,0 +1,264 @@
+// The live job as an operator has it: login, menu, selection, balance on paper, back to the
+// launcher; with the numbers held against a hand count of the data file's own bytes.
+#include <sys/stat.h>
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "isam/base.h"
+#include "isam/ix.h"
+#include "main/batchvw.h"
+#include "main/controle.h"
+#include "main/iotab.h"
+#include "sub/records.h"
+#include "tests/support/agent.h"
+#include "tests/support/terminal.h"
+#include "tests/support/tijdelijk.h"
+
+namespace {
+
+constexpr int FILIALEN = 12;
+
+std::string bytes(const std::string& pad) {
+  std::ifstream f(pad, std::ios::binary);
+  return {std::istreambuf_iterator<char>(f), {}};
+}
+
+template <class Rec>
+std::vector<Rec> records(const std::string& pad) {
+  const std::string b = bytes(pad);
+  std::vector<Rec> uit;
+  for (size_t i = 0; i + sizeof(Rec) <= b.size(); i += sizeof(Rec)) {
+    Rec rec;
+    memcpy(&rec, b.data() + i, sizeof rec);
+    const auto* p = reinterpret_cast<const uint8_t*>(&rec);
+    if (p[0] == 255 && std::all_of(p + 5, p + sizeof rec, [](uint8_t c) { return c == 255; }))
+      continue;
+    uit.push_back(rec);
+  }
+  return uit;
+}
+
+/// A demo chain; the files are made once for the program and copied for each test.
+struct DemoKeten {
+  TempDir map;
+  DemoKeten() {
+    static const TempDir moeder;
+    if (!std::filesystem::exists(moeder / "DTSYS.TXT")) {
+      const std::string maak =
+          BUILD_DIR "/tools/winkel demo --seed 7 --today 22112026 -C " + moeder.pad;
+      EXPECT_EQ(std::system((maak + " >/dev/null").c_str()), 0);
+    }
+    std::filesystem::copy(moeder.pad, map.pad,
+                          std::filesystem::copy_options::recursive |
+                              std::filesystem::copy_options::overwrite_existing);
+  }
+  std::string operator/(const char* naam) const { return map.pad + "/" + naam; }
+
+  /// The balance by hand: pieces out and in of provisional lines, of one brand or of all (0).
+  std::string saldo(uint16_t merk = 0) const {
+    std::map<std::array<uint32_t, 3>, uint16_t> merken;
+    for (const DtSer& s : records<DtSer>(*this / "DTSER.TXT"))
+      merken[{s.nr.artgroep, s.nr.kleur, s.nr.volgnr}] = s.merk;
+    std::array<uint32_t, FILIALEN> uit{}, in{};
+    for (const DtPick& r : records<DtPick>(*this / "DTPICK.TXT")) {
+      const auto serie = merken.find({r.nr.artgroep, r.nr.kleur, r.nr.volgnr});
+      if (r.opdrachtnr != 0 || serie == merken.end() || (merk != 0 && serie->second != merk))
+        continue;
+      for (int m = 1; m < MATEN; ++m) {
+        uit[r.vanfil] += r.aantal[m];
+        in[r.naarfil] += r.aantal[m];
+      }
+    }
+    std::string tekst;
+    uint32_t totaal = 0;
+    for (int f = 0; f < FILIALEN; ++f) {
+      const auto i = static_cast<size_t>(f);
+      if (uit[i] + in[i] == 0) continue;
+      tekst += str_format("Filiaal %2d    %4u   %4u stuks\n", f, uit[i], in[i]);
+      totaal += in[i];
+    }
+    return tekst + std::string(31, '-') + "\n" +
+           str_format("TOTAAL               %4u stuks\n", totaal);
+  }
+  /// The brand with most provisional lines.
+  uint16_t merk() const {
+    std::map<uint16_t, int> aantal;
+    std::map<std::array<uint32_t, 3>, uint16_t> merken;
+    for (const DtSer& s : records<DtSer>(*this / "DTSER.TXT"))
+      merken[{s.nr.artgroep, s.nr.kleur, s.nr.volgnr}] = s.merk;
+    for (const DtPick& r : records<DtPick>(*this / "DTPICK.TXT"))
+      if (r.opdrachtnr == 0) ++aantal[merken[{r.nr.artgroep, r.nr.kleur, r.nr.volgnr}]];
+    uint16_t beste = 0;
+    for (const auto& [nummer, n] : aantal)
+      if (nummer != 0 && n > aantal[beste]) beste = nummer;
+    return beste;
+  }
+
+  Terminal start_op(const std::vector<std::string>& argv) const {
+    TerminalOpties opties;
+    opties.dir = map.pad;
+    opties.env = {"BIN=" BUILD_DIR, "KOBPRT=" + map.pad, "TMUX"};
+    return start(argv, opties);
+  }
+  Terminal launcher() const { return start_op({BUILD_DIR "/hoofdmnu"}); }
+};
+
+void meld_aan(Terminal& t, const char* code, const char* wachtwoord) {
+  t.type(code);
+  t.type(toets::Enter);
+  t.type(wachtwoord);
+  t.type(toets::Enter);
+}
+void naar_opdsaldo(Terminal& t) {
+  meld_aan(t, "DEMO", "DEMO");
+  ASSERT_TRUE(t.shows("Voorraadbeheer"));
+  t.type("1");
+  ASSERT_TRUE(t.shows("SALDO VOORLOPIGE OPDRACHTEN"));
+}
+
+/// What stands behind the page head of a printed list.
+std::string lijst(const std::string& pad) {
+  const std::string alles = bytes(pad);
+  const size_t streep = alles.find(std::string(132, '-'));
+  if (streep == std::string::npos) return "no list in " + pad + ": " + alles;
+  std::string uit = alles.substr(alles.find('\n', streep) + 1);
+  while (!uit.empty() && (uit.back() == '\f' || uit.back() == '\r')) uit.pop_back();
+  return uit;
+}
+
+/// The connection of the demo chain that prints to a file.
+std::string afdruk(const DemoKeten& k) { return k / "afdruk.lst"; }
+
+bool wacht_op(const std::string& pad) {
+  for (int i = 0; i < 200; ++i) {
+    if (bytes(pad).find("TOTAAL") != std::string::npos) return true;
+    usleep(20000);
+  }
+  return false;
+}
+
+TEST(Live, LoginSelectPrintAndBack) {
+  const DemoKeten keten;
+  Terminal t = keten.launcher();
+  meld_aan(t, "DEMO", "fout");
+  EXPECT_TRUE(t.wait_for("Onjuiste gebruikerscode of wachtwoord"));
+  EXPECT_FALSE(t.shows("fout"));
+  naar_opdsaldo(t);
+  t.type("11");
+  EXPECT_TRUE(t.shows("Selectiecriteria"));
+  t.type(toets::Esc);
+  ASSERT_TRUE(t.shows("Printbestemming"));
+  t.type(toets::Down);
+  t.type(toets::Enter);
+  EXPECT_TRUE(t.shows("Selectie en afdrukken"));
+  ASSERT_TRUE(wacht_op(afdruk(keten)));
+  EXPECT_EQ(lijst(afdruk(keten)), keten.saldo());
+  t.type(toets::Esc);
+  EXPECT_TRUE(t.shows("Hoofdmenu"));
+  t.type(toets::Esc);
+  EXPECT_EQ(t.exit_status(), 0);
+  for (const char* weg :
+       {"DTSER.O01", "DTSER.A01", "DTSER.R01", "TPDTSE01", "TP01.TXT", "DTMERK.01"})
+    EXPECT_FALSE(std::filesystem::exists(keten / weg)) << weg;
+  EXPECT_EQ(file_size((keten / "DTSELVRD.001").c_str()), 868);
+  EXPECT_TRUE(std::filesystem::exists(keten / "DTSER.V01"));
+}
+
+TEST(Live, OneBrandAndThePreview) {
+  const DemoKeten keten;
+  const uint16_t merk = keten.merk();
+  ASSERT_NE(merk, 0);
+  Terminal t = keten.launcher();
+  naar_opdsaldo(t);
+  t.type("11");
+  t.type("1");
+  t.type("1");
+  t.type(std::to_string(merk));
+  t.type(toets::Enter);
+  EXPECT_NE(t.row(3).find(std::to_string(merk)), std::string::npos);
+  t.type(toets::Esc);
+  ASSERT_TRUE(t.shows("Printbestemming"));
+  t.type(toets::Enter);
+  ASSERT_TRUE(t.shows("Einde overzicht"));
+  std::istringstream soll(keten.saldo(merk));
+  std::string beeld = t.screen(), regel;
+  for (int aantal = 0; std::getline(soll, regel) && aantal < 8; ++aantal)
+    EXPECT_NE(beeld.find(regel), std::string::npos) << regel << "\n" << beeld;
+  EXPECT_TRUE(t.reverse(1, 1));
+  t.type(toets::Esc);
+  EXPECT_TRUE(t.shows("Selectie en afdrukken"));
+}
+
+TEST(Live, InquiryUserHasNoMenu) {
+  const DemoKeten keten;
+  Terminal t = keten.launcher();
+  meld_aan(t, "KIJK", "KIJK");
+  ASSERT_TRUE(t.shows("Voorraadbeheer"));
+  t.type("1");
+  EXPECT_TRUE(t.shows("Geen menubevoegdheden"));
+  EXPECT_FALSE(t.shows("Selectie en afdrukken"));
+  t.type(toets::Enter);
+  EXPECT_TRUE(t.shows("Hoofdmenu"));
+}
+
+TEST(Live, FiveWrongPasswordsMarkTheRecord) {
+  const DemoKeten keten;
+  Terminal t = keten.launcher();
+  for (int i = 0; i < 5; ++i) meld_aan(t, "DEMO", "mis");
+  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(bytes(keten / "DTSYS.TXT")[static_cast<size_t>(SYS_TERMINALS.basis) + 38], 5);
+}
+
+TEST(Live, AnEmptyTableDisablesTheEntry) {
+  const DemoKeten keten;
+  {
+    InMap in(keten.map.pad);
+    ICB* icb = IXOPEN("DTPICK", IX_GEDEELD);
+    IXINIT(icb);
+    IXCLOSE(icb);
+  }
+  Terminal t = keten.launcher();
+  naar_opdsaldo(t);
+  t.type("11");
+  EXPECT_TRUE(t.shows("Keuze niet beschikbaar"));
+}
+
+TEST(Live, TheExclusiveHolderIsWaitedFor) {
+  const DemoKeten keten;
+  const std::string map = keten.map.pad;
+  Agent ander([map](const std::string&) -> std::string {
+    std::filesystem::current_path(map);
+    session_terminal = 5;
+    int32_t nummer = 1;
+    iotab('O', &nummer, &sys_rec1, SYS_RECORDS);
+    return vw_claim_excl(10) ? "ja" : "nee";
+  });
+  ASSERT_EQ(ander.ask("claim"), "ja");
+  Terminal t = keten.launcher();
+  naar_opdsaldo(t);
+  t.type_now("11");
+  EXPECT_TRUE(t.wait_for("Verwerking is actief"));
+  const std::string los =
+      std::string(BUILD_DIR) + "/tools/winkel saldo -C " + map + " >/dev/null 2>&1";
+  EXPECT_EQ(WEXITSTATUS(std::system(los.c_str())), 3);
+  ander.kill_now();
+  EXPECT_TRUE(t.wait_for("Selectiecriteria"));
+}
+
+TEST(Live, UnattendedPrintsTheSameLines) {
+  const DemoKeten keten;
+  const std::string uit = keten / "saldo.uit";
+  const std::string doe =
+      std::string(BUILD_DIR) + "/tools/winkel saldo -C " + keten.map.pad + " >" + uit;
+  EXPECT_EQ(std::system(doe.c_str()), 0);
+  EXPECT_EQ(lijst(uit), keten.saldo());
+  EXPECT_FALSE(std::filesystem::exists(keten / "DTSER.O99"));
+  EXPECT_FALSE(std::filesystem::exists(keten / "DTSEL013.000"));
+}
+
+}  // namespace
