@@ -153,6 +153,7 @@ TEST(Winkel, RefusesWhatItDoesNotKnow) {
   EXPECT_EQ(winkel("").status, 2);
   EXPECT_EQ(winkel("toveren").status, 2);
   EXPECT_EQ(winkel("gebruiker reset acht -C " + leeg.pad).status, 2);
+  EXPECT_EQ(winkel("demo --seed -1 -C " + (leeg / "x")).status, 2);
   EXPECT_EQ(winkel("demo --today 31022026 -C " + (leeg / "x")).status, 1);
   EXPECT_FALSE(fs::exists(leeg / "x"));
   for (const char* verb : {"status", "saldo", "gebruiker list", "printer list"}) {
@@ -268,6 +269,20 @@ TEST(WinkelSaldo, EqualsTheSumOverTheLines) {
   EXPECT_EQ(inhoud(k.pad), inhoud(demo())) << "nothing of the run is left";
 }
 
+TEST(WinkelSaldo, AFaultIsOneLine) {
+  Kopie k;
+  fs::remove(k.pad + "/DTPICK.INX");
+  const Uitkomst weg = winkel("saldo -C " + k.pad);
+  EXPECT_EQ(weg.status, 1);
+  EXPECT_EQ(regels(weg.tekst), 1) << weg.tekst;
+  EXPECT_NE(weg.tekst.find("DTPICK.INX"), std::string::npos) << weg.tekst;
+  EXPECT_EQ(winkel("saldo -C " + k.pad + " -o " + (k.map / "geen/lijst")).status, 1);
+  fs::resize_file(k.pad + "/DTSYS.TXT", 100);
+  const Uitkomst kort = winkel("saldo -C " + k.pad);
+  EXPECT_EQ(kort.status, 1);
+  EXPECT_NE(kort.tekst.find("DTSYS.TXT: korter dan 72660 bytes"), std::string::npos) << kort.tekst;
+}
+
 TEST(WinkelSaldo, EndsWithThreeWhenTheFunctionIsHeld) {
   Kopie k;
   Agent ander([&](const std::string&) {
@@ -380,6 +395,10 @@ TEST(WinkelTerminal, LogsInWithoutAQuestion) {
                      {.env = {"BIN=" BUILD_DIR}});
   EXPECT_TRUE(t.shows("Voorraadbeheer")) << t.screen();
   EXPECT_TRUE(t.shows("Van Aerden Mode"));
+  t.type("1");
+  EXPECT_TRUE(t.shows("Selectie en afdrukken")) << t.screen();
+  t.type(toets::Esc);
+  EXPECT_TRUE(t.shows("Hoofdmenu")) << t.screen();
   const TerminalRec rec = terminal(k.pad, 1);
   EXPECT_EQ(rec.status, 1);
   EXPECT_EQ(veld_tekst(rec.programma, 10), "hoofdmnu");
@@ -390,6 +409,26 @@ TEST(WinkelTerminal, LogsInWithoutAQuestion) {
   t.type(toets::Esc);
   EXPECT_EQ(t.exit_status(), 0);
   EXPECT_EQ(terminal(k.pad, 1).status, 0);
+}
+
+TEST(WinkelTerminal, AFrameForASmallWindow) {
+  Kopie k;
+  const std::vector<std::string> env = {"BIN=" BUILD_DIR, "TMUX_TMPDIR=" + k.map.pad,
+                                        "HOME=" + k.map.pad};
+  const std::vector<std::string> opdracht = {
+      BUILD_DIR "/tools/winkel", "terminal", "-C", k.pad, "--gebruiker", "DEMO"};
+  Terminal zonder = start(opdracht, {.env = env, .rows = 24});
+  zonder.type("N\r");
+  EXPECT_TRUE(zonder.shows("Voorraadbeheer")) << zonder.screen();
+  zonder.type(toets::Esc);
+  EXPECT_EQ(zonder.exit_status(), 0);
+  if (std::system("command -v tmux >/dev/null") != 0) GTEST_SKIP() << "no tmux";
+  Terminal met = start(opdracht, {.env = env, .rows = 24});
+  met.type("J\r");
+  EXPECT_TRUE(met.wait_for("Voorraadbeheer"));
+  EXPECT_EQ(terminal(k.pad, 1).status, 1);
+  met.type_now(toets::Esc);
+  EXPECT_EQ(met.exit_status(), 0);
 }
 
 TEST(WinkelTerminal, RunsAProgramInAnUtf8Locale) {

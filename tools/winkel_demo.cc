@@ -21,6 +21,12 @@ uint16_t datum(const std::string& tekst) {
   return dag;
 }
 
+/// The parser takes "-1" for a very large number.
+std::string heel_getal(const std::string& tekst) {
+  const bool goed = tekst.find_first_not_of("0123456789") == std::string::npos;
+  return goed ? "" : tekst + " is geen geheel getal";
+}
+
 void doe_demo(const Demo& o) {
   KetenMaat maat = o.groot ? keten_groot() : keten_klein();
   maat.vandaag = datum(o.vandaag);
@@ -45,7 +51,9 @@ void verb_demo(CLI::App& app) {
   CLI::App* verb = app.add_subcommand("demo", "maak een demoketen in een lege map");
   optie_map(verb, &o.map);
   verb->add_flag("--large", o.groot, "de meetketen: 100 filialen, 24000 series");
-  verb->add_option("--seed", o.zaad, "toevalsgetal van de keten")->capture_default_str();
+  verb->add_option("--seed", o.zaad, "toevalsgetal van de keten")
+      ->check(heel_getal)
+      ->capture_default_str();
   verb->add_option("--today", o.vandaag, "DDMMJJJJ, de dag waarop de keten staat");
   verb->add_flag("--zonder-transit", o.zonder_transit,
                  "zonder administratie van goederen onderweg");

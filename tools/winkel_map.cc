@@ -47,6 +47,8 @@ void optie_map(CLI::App* app, std::string* map) {
 void in_keten(const std::string& map) {
   if (chdir(map.c_str()) != 0) winkel_fout_errno(map);
   if (!file_exists("DTSYS.TXT")) winkel_fout(map + "/DTSYS.TXT", "niet aanwezig");
+  if (file_size("DTSYS.TXT") < SYS_GROOTTE)
+    winkel_fout(map + "/DTSYS.TXT", fmt::format("korter dan {} bytes", SYS_GROOTTE));
   umask(007);
 }
 

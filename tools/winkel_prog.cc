@@ -12,7 +12,9 @@
 namespace {
 
 [[noreturn]] void fataal(const char* tekst) {
-  fmt::print(stderr, "winkel: {}\n", cp850_utf8(tekst));
+  std::string regel = cp850_utf8(tekst);
+  while (regel.ends_with(' ')) regel.pop_back();
+  fmt::print(stderr, "winkel: {}\n", regel);
   std::exit(UIT_FOUT);
 }
 
@@ -22,6 +24,27 @@ std::string bezwaar(const CLI::ParseError& fout) {
   if (naam == "RequiredError") return std::string("ontbreekt: ") + fout.what();
   if (naam == "ExtrasError") return std::string("niet begrepen: ") + fout.what();
   return std::string("ongeldig: ") + fout.what();
+}
+
+/// The words that the parser brings along itself.
+void hulp(CLI::App& app) {
+  constexpr std::pair<const char*, const char*> WOORDEN[] = {
+      {"Usage", "Gebruik"},       {"OPTIONS", "OPTIES"},
+      {"SUBCOMMAND", "OPDRACHT"}, {"SUBCOMMANDS", "OPDRACHTEN"},
+      {"Positionals", "Waarden"}, {"REQUIRED", "VERPLICHT"},
+      {"TEXT", "TEKST"},          {"INT", "GETAL"},
+      {"UINT", "GETAL"}};
+  for (const auto& [woord, eigen] : WOORDEN) app.get_formatter()->label(woord, eigen);
+  app.option_defaults()->group("Opties");
+  app.set_help_flag("-h,--help", "toon deze hulp");
+}
+
+void groepeer(CLI::App& app) {
+  for (CLI::App* verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+    verb->group("Opdrachten");
+    verb->get_help_ptr()->group("Opties");
+    groepeer(*verb);
+  }
 }
 
 int gebruik(CLI::App& app, const CLI::ParseError& fout) {
@@ -38,9 +61,7 @@ int main(int argc, char** argv) {
   scr_hooks.kaal = fataal;
   CLI::App app("Beheer van de gegevensmap van een winkelketen");
   app.name("winkel");
-  app.get_formatter()->label("Usage", "Gebruik");
-  app.get_formatter()->label("Options", "Opties");
-  app.get_formatter()->label("Subcommands", "Opdrachten");
+  hulp(app);
   app.require_subcommand(1);
   verb_init(app);
   verb_demo(app);
@@ -49,6 +70,7 @@ int main(int argc, char** argv) {
   verb_terminal(app);
   verb_saldo(app);
   verb_status(app);
+  groepeer(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& fout) {

@@ -26,6 +26,7 @@ namespace {
 
 constexpr const char* STARTER = "hoofdmnu";
 constexpr uint8_t TUSSEN = 2, KRITIEK = 10;
+constexpr const char* IN_KADER = "WINKEL_KADER";
 constexpr int RIJEN = 25, KOLOMMEN = 80;
 
 struct Terminalverb {
@@ -60,7 +61,7 @@ std::string programma_pad(const std::string& naam) {
   mappen.push_back(map_van(map_van(eigen_pad())));
   mappen.push_back(map_van(eigen_pad()));
   for (const std::string& map : mappen) {
-    const std::string pad = absoluut(map) + "/" + naam;
+    const std::string pad = map + "/" + naam;
     if (access(pad.c_str(), X_OK) == 0 && !file_isdir(pad.c_str())) return pad;
   }
   return naam;
@@ -102,6 +103,11 @@ std::string aangehaald(const std::string& woord) {
 /// Runs this very command inside tmux, whose window has the size that the screens need. Its server
 /// may be running with another environment: what programs look at goes along.
 void kader(const std::vector<std::string>& woorden) {
+  if (std::getenv(IN_KADER) != nullptr) {
+    // The frame starts its command before it has taken its size.
+    for (int i = 0; i < 100 && venster_te_klein(); ++i) usleep(20000);
+    return;
+  }
   if (!venster_te_klein()) return;
   fmt::print(
       "Dit venster is kleiner dan {} regels van {} tekens.\n"
@@ -109,7 +115,7 @@ void kader(const std::vector<std::string>& woorden) {
       RIJEN, KOLOMMEN);
   std::fflush(stdout);
   if (!ja()) return;
-  std::string opdracht = "exec env";
+  std::string opdracht = std::string("exec env ") + IN_KADER + "=1";
   for (const char* naam : {"LANG", "TSTBIN", "BIN", "NLSPATH", "KOBPRT"})
     if (const char* waarde = std::getenv(naam); waarde != nullptr)
       opdracht += " " + aangehaald(std::string(naam) + "=" + waarde);
@@ -187,6 +193,10 @@ void doe_terminal(const Terminalverb& o) {
   std::vector<std::string> rest = o.verb->remaining();
   if (!o.gebruiker.empty() && !rest.empty())
     winkel_fout(rest[0], "--gebruiker start altijd de programmakiezer");
+  for (const char* variabele :
+       {"TSTBIN", "BIN"})  // as the operator meant them, from where he stands
+    if (const char* waarde = std::getenv(variabele); waarde != nullptr && *waarde != 0)
+      setenv(variabele, absoluut(waarde).c_str(), 1);
   const std::string map = absoluut(o.map);
   const std::string programma = programma_pad(rest.empty() ? STARTER : rest[0]);
   if (!rest.empty()) rest.erase(rest.begin());
