@@ -91,6 +91,9 @@ TEST(IxtoolCheck, FaultsOfABlock) {
   i.op(blok, 0) = 2;
   verwacht(t.check(i), regel(in_blok(1, blok), "blok van sleutel 2"));
   i = t.bytes();
+  i.op(blok, 511) = 1;
+  verwacht(t.check(i), regel(in_blok(1, blok), "ongebruikte bytes zijn niet nul"));
+  i = t.bytes();
   const int aantal = i.aantal(blok);
   i.op(blok, 4) = 120;
   verwacht(t.check(i),
@@ -238,7 +241,10 @@ TEST(IxtoolCheck, TheLockQueue) {
   i.op(4, 4) = static_cast<char>(200);
   verwacht(t.check(i), regel(", blok 4", "wachtrij van 200 sleutels"));
   i.op(4, 4) = 1;
+  i.op(4, 90) = 1;
   i.op(4, 8) = 77;
+  EXPECT_EQ(t.check(i).uit.find("PROEF, blok 4: ongebruikte bytes zijn niet nul\n"), 0u);
+  i.op(4, 90) = 0;
   const Uitkomst u = t.check(i);
   EXPECT_EQ(u.uit.find("PROEF, blok 4: let op: in de wachtrij: bytes 1-4=77\n"), 0u) << u.uit;
   EXPECT_EQ(u.status, 0);

@@ -50,6 +50,15 @@ void keur_definitie(const Keuring& k, const std::string& naam) {
     k.verslag->fout({}, "recordlengte of sleutels wijken af van de definitie van de tabel");
 }
 
+/// Bytes that mean nothing are written zero; the engine never looks at them.
+void keur_ongebruikt(const Keuring& k) {
+  const uint8_t* eerste = reinterpret_cast<const uint8_t*>(k.kop.keys + k.kop.key_count);
+  const uint8_t* einde = reinterpret_cast<const uint8_t*>(&k.kop.version);
+  const bool nul = std::all_of(eerste, einde, [](uint8_t b) { return b == 0; });
+  if (!nul || k.kop.nul[0] != 0 || k.kop.nul[1] != 0)
+    k.verslag->noot({}, "ongebruikte bytes van de kop zijn niet nul");
+}
+
 void keur_maten(Keuring& k) {
   Verslag* v = k.verslag;
   k.blokken = static_cast<int64_t>(k.index.size()) / IX_BLOK;
@@ -106,6 +115,7 @@ bool keur_kop(Keuring& k, const std::string& naam) {
   bool goed = true;
   for (int i = 1; i <= k.kop.key_count; ++i) goed = keur_sleutel(k.kop, i, v) && goed;
   keur_maten(k);
+  keur_ongebruikt(k);
   if (goed) keur_definitie(k, naam);
   if (goed && k.blokken < k.kop.key_count + 2) {
     v->fout({}, "de wortels en de wachtrij staan niet in de index");
@@ -130,6 +140,9 @@ void keur_rij(Keuring& k) {
     k.verslag->fout({.blok = nr}, fmt::format("wachtrij van {} sleutels", aantal));
     return;
   }
+  const uint8_t* rest = blok + offsetof(IxBlok, entries) + k.rij * s.key_length;
+  if (!std::all_of(rest, blok + IX_BLOK, [](uint8_t b) { return b == 0; }))
+    k.verslag->fout({.blok = nr}, "ongebruikte bytes zijn niet nul");
   const Velden velden = velden_van(k.kop, k.verslag->tabel);
   for (int i = 0; i < k.rij; ++i) {
     const uint8_t* beeld = blok + offsetof(IxBlok, entries) + i * s.key_length;

@@ -113,7 +113,7 @@ struct Loop {
     if (in.aantal >= s.max_entries)
       v().fout(plek, fmt::format("{} ingangen, hoogstens {}", in.aantal, s.max_entries - 1));
     if (b[2] != 0 || b[3] != 0 || !alles_nul(in.beeld(in.aantal), b + IX_BLOK))
-      v().noot(plek, "ongebruikte bytes zijn niet nul");
+      v().fout(plek, "ongebruikte bytes zijn niet nul");
   }
 
   /// A block and what lies under it; its highest key, null when it could not be read.
