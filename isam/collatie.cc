@@ -114,6 +114,8 @@ int geheel(const uint8_t* a, const uint8_t* b, int n) {
 
 }  // namespace
 
+int ix_letters(const uint8_t* veld, int n, uint8_t* uit) { return niveau_een(veld, n, uit); }
+
 int ix_collatie(const uint8_t* a, const uint8_t* b, int n) {
   n = std::min(n, BREEDST);
   int tweede = 0;  // first difference at level two

@@ -57,6 +57,8 @@ int ix_vergelijk(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int len
 int ix_lengte(const IxSleutel& s, int velden);
 /// Two 'C' fields of n bytes under the collation.
 int ix_collatie(const uint8_t* a, const uint8_t* b, int n);
+/// The letters that a 'C' field of n bytes compares by first; how many, 2 * n at most.
+int ix_letters(const uint8_t* veld, int n, uint8_t* uit);
 /// True when definitions and counters can be worked with: no index or length out of bounds.
 bool ix_kop_geldig(const ICB* icb);
 
@@ -112,6 +114,14 @@ void ix_zet_i32(uint8_t* p, int32_t v);
 uint8_t IOCACHE(char actie, ICB*, int32_t blok);
 /// Blocks that the cache holds at most, 50 or more; a test makes it small.
 extern size_t ix_cache_plaatsen;
+
+/// The fast rebuild of an index that was cut to its header: reads the data once, chains the deleted
+/// slots, writes all blocks but the header; `per` slots at a time count as entered key by key.
+/// False when it is not for this table (equal keys, or more memory than is fit): nothing of the
+/// index was written then.
+bool ix_bouw_snel(ICB* icb, int32_t per);
+/// Cleared by a test that wants the plain road.
+extern bool ix_snel_bouwen;
 
 // Records
 // --------------------------------------------------------------------------------------------
