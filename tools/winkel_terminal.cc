@@ -5,7 +5,6 @@
 // left as a program leaves it that goes over to the launcher.
 #include <fmt/format.h>
 #include <langinfo.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -14,10 +13,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <iostream>
 
 #include "isam/base.h"
 #include "main/iotab.h"
+#include "main/kader.h"
 #include "scr/terminfo.h"
 #include "sub/records.h"
 #include "tools/winkel.h"
@@ -26,8 +25,6 @@ namespace {
 
 constexpr const char* STARTER = "hoofdmnu";
 constexpr uint8_t TUSSEN = 2, KRITIEK = 10;
-constexpr const char* IN_KADER = "WINKEL_KADER";
-constexpr int RIJEN = 25, KOLOMMEN = 80;
 
 struct Terminalverb {
   std::string map = ".", gebruiker;
@@ -80,51 +77,6 @@ void terminal_gereed() {
   if (terminfo_aanwezig(term) || terminfo_maak(term, nullptr)) return;
   winkel_fout(fmt::format("TERM={}", term == nullptr ? "" : term),
               "de terminalbeschrijvingen kunnen niet gemaakt worden in ~/.terminfo");
-}
-
-bool venster_te_klein() {
-  winsize ws{};
-  if (ioctl(STDIN_FILENO, TIOCGWINSZ, &ws) != 0 || ws.ws_row == 0) return false;
-  return ws.ws_row < RIJEN || ws.ws_col < KOLOMMEN;
-}
-
-bool ja() {
-  std::string regel;
-  if (!std::getline(std::cin, regel)) return false;
-  return regel.empty() || regel[0] == 'j' || regel[0] == 'J';
-}
-
-std::string aangehaald(const std::string& woord) {
-  std::string uit = "'";
-  for (const char c : woord) uit += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return uit + "'";
-}
-
-/// Runs this very command inside tmux, whose window has the size that the screens need. Its server
-/// may be running with another environment: what programs look at goes along.
-void kader(const std::vector<std::string>& woorden) {
-  if (std::getenv(IN_KADER) != nullptr) {
-    // The frame starts its command before it has taken its size.
-    for (int i = 0; i < 100 && venster_te_klein(); ++i) usleep(20000);
-    return;
-  }
-  if (!venster_te_klein()) return;
-  fmt::print(
-      "Dit venster is kleiner dan {} regels van {} tekens.\n"
-      "In een kader van tmux werken? (J/N) ",
-      RIJEN, KOLOMMEN);
-  std::fflush(stdout);
-  if (!ja()) return;
-  std::string opdracht = std::string("exec env ") + IN_KADER + "=1";
-  for (const char* naam : {"LANG", "TSTBIN", "BIN", "NLSPATH", "KOBPRT"})
-    if (const char* waarde = std::getenv(naam); waarde != nullptr)
-      opdracht += " " + aangehaald(std::string(naam) + "=" + waarde);
-  for (const std::string& woord : woorden) opdracht += " " + aangehaald(woord);
-  execlp("tmux", "tmux", "-L", "winkel", "new", "-x", "80", "-y", "25", opdracht.c_str(), ";",
-         "set", "status", "off", ";", "set", "-w", "window-size", "manual", ";", "resize-window",
-         "-x", "80", "-y", "25", ";", "set", "-s", "escape-time", "25",
-         static_cast<char*>(nullptr));
-  winkel_fout_errno("tmux");
 }
 
 [[noreturn]] void voer_uit(const std::string& pad, const std::vector<std::string>& argumenten) {

@@ -1,0 +1,68 @@
+// See kader.h. A frame of tmux starts its command before it has taken its size, and its server may
+// have been started with another environment: a mark tells the command to wait for the size, and
+// what the programs look at goes along.
+#include "main/kader.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "isam/base.h"
+#include "main/teksten.h"
+
+namespace {
+
+constexpr int RIJEN = 25, KOLOMMEN = 80;
+constexpr const char* IN_KADER = "WINKEL_KADER";
+
+bool te_klein() {
+  winsize ws{};
+  if (ioctl(STDIN_FILENO, TIOCGWINSZ, &ws) != 0 || ws.ws_row == 0) return false;
+  return ws.ws_row < RIJEN || ws.ws_col < KOLOMMEN;
+}
+
+bool ja() {
+  char regel[16];
+  if (fgets(regel, sizeof regel, stdin) == nullptr) return false;
+  return chr_upper(static_cast<uint8_t>(regel[0])) == 'J' || regel[0] == '\n';
+}
+
+std::string aangehaald(const std::string& woord) {
+  std::string uit = "'";
+  for (const char c : woord) uit += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return uit + "'";
+}
+
+std::string opdracht(const std::vector<std::string>& woorden) {
+  std::string regel = std::string("exec env ") + IN_KADER + "=1";
+  for (const char* naam : {"LANG", "TSTBIN", "BIN", "NLSPATH", "KOBPRT", "KPOS"}) {
+    if (const char* waarde = getenv(naam); waarde != nullptr)
+      regel += " " + aangehaald(std::string(naam) + "=" + waarde);
+  }
+  for (const std::string& woord : woorden) regel += " " + aangehaald(woord);
+  return regel;
+}
+
+[[noreturn]] void in_tmux(const std::vector<std::string>& woorden) {
+  execlp("tmux", "tmux", "-L", "winkel", "new", "-x", "80", "-y", "25", opdracht(woorden).c_str(),
+         ";", "set", "status", "off", ";", "set", "-w", "window-size", "manual", ";",
+         "resize-window", "-x", "80", "-y", "25", ";", "set", "-s", "escape-time", "25",
+         static_cast<char*>(nullptr));
+  fprintf(stderr, "%s\n", txt(T_GEEN_TMUX));
+  exit(1);
+}
+
+}  // namespace
+
+void kader(const std::vector<std::string>& woorden) {
+  if (getenv(IN_KADER) != nullptr) {
+    for (int i = 0; i < 100 && te_klein(); ++i) usleep(20000);
+    return;
+  }
+  if (isatty(STDIN_FILENO) == 0 || !te_klein()) return;
+  printf("%s\n%s ", txt(T_VENSTER_KLEIN), txt(T_VENSTER_KADER));
+  fflush(stdout);
+  if (ja()) in_tmux(woorden);
+}
