@@ -49,7 +49,7 @@ struct Scheur {
     const std::string& kop = kans() % 2 == 0 ? nu : oud->second;
     const std::string& staart = &kop == &nu ? oud->second : nu;
     const std::string uit = kop.substr(0, snede) + staart.substr(snede);
-    if (uit == toen || uit == nu) return void(toen = nu);
+    if (uit == toen || uit == nu || uit == oud->second) return void(toen = nu);
     toen = uit;
     ++gescheurd;
     memcpy(buffer, uit.data(), n);
