@@ -231,7 +231,7 @@ bool alles(ICB* icb, uint32_t records, int32_t per) {
   if (!neem_geheugen(b) || !lees(b)) return false;
   for (int k = 0; k < icb->key_count; ++k) {
     if (!orden(b, k)) return false;
-    ix_hooks.voortgang(nullptr, records / 2 + records / 2 / icb->key_count * (k + 1) / 2, records);
+    ix_hooks.voortgang(nullptr, (records + records / 2 / icb->key_count * (k + 1)) / 2, records);
   }
   vorm_takken(icb, b.bomen, per);
   Schrijver schrijver(b);
@@ -246,6 +246,7 @@ bool ix_bouw_snel(ICB* icb, int32_t per) {
   const std::string naam(icb->name, strnlen(icb->name, sizeof icb->name));
   ix_hooks.voortgang(str_format(txt(T_IX_HERBOUW), naam).c_str(), 0, records);
   const bool goed = alles(icb, static_cast<uint32_t>(records), per);
+  if (goed) ix_hooks.voortgang(nullptr, records, records);
   ix_hooks.voortgang(nullptr, 0, 0);
   if (goed) icb->record_count = static_cast<int32_t>(records);
   return goed;
