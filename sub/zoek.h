@@ -22,6 +22,8 @@ int code_pick(int tabel, bool onderhoud);
 /// Year field: two digits expand; 1980-2079 unless narrowed. K_F5 picks year and season.
 bool ing_jaar(int row, int col, const char* opties, uint16_t laag, uint16_t hoog, uint16_t* jaar,
               char* seizoen);
+/// Season field: one of the three main seasons, as the operator knows their letters; required.
+bool ing_seizoen(int row, int col, char* seizoen);
 /// Model list of one brand through the private index DTSER.Snn; false when left.
 bool model_pick(uint16_t merk, char model[15]);
 /// Size field on an open size type; false when left.

@@ -131,12 +131,16 @@ int code_pick(int tabel, bool onderhoud) {
 
 bool ing_code(int row, int col, const char* opties, int tabel, uint8_t* code) {
   const uint8_t oud = *code;
+  const VeldToetsen toetsen;
   for (;;) {
+    toetsen.terug();
     char teken[1] = {static_cast<char>(*code <= 9 ? '0' + *code : 0)};
     INGAVE(row, col, str_format("1c[0123456789],%s", opties).c_str(), &K_CANCEL, &K_F5, teken);
     if (weg_toets()) return false;
     if (scr_ctx->last_key == K_F5) {
-      if (const int keus = code_pick(tabel, false); keus >= 0) *code = static_cast<uint8_t>(keus);
+      const int keus = code_pick(tabel, false);
+      if (keus < 0) continue;
+      *code = static_cast<uint8_t>(keus);
       scr_print(A_WAARDE, row, col, "%hu", *code);
       return *code != oud;
     }

@@ -1,4 +1,4 @@
-// The year field, and the list of years and seasons in INKSYS.TXT.
+// The year and season fields, and the list of years and seasons in INKSYS.TXT.
 #include <fcntl.h>
 
 #include <cstring>
@@ -7,6 +7,7 @@
 #include "isam/base.h"
 #include "isam/io.h"
 #include "sub/records.h"
+#include "sub/sel_intern.h"
 #include "sub/teksten.h"
 #include "sub/zoek.h"
 #include "sub/zoek_lijst.h"
@@ -60,7 +61,9 @@ void kop(BrwRec*) {
 }
 const char* regel(BrwRec* b) {
   const InkSys& r = rec_van(b);
-  const std::string code = str_format("%04u%c", r.jaar, r.seizoen);
+  char letter[3] = {r.seizoen, 0, 0};
+  seizoen_vertaal(letter, true);
+  const std::string code = str_format("%04u%c", r.jaar, letter[0] == 0 ? ' ' : letter[0]);
   str_printf(scr_klad, sizeof scr_klad, "%-6.6s %-16.16s", code,
              veld_tekst(r.tekst, sizeof r.tekst));
   return scr_klad;
@@ -73,7 +76,7 @@ bool kies_seizoen(uint16_t* jaar, char* seizoen) {
   if (!lijst_kies(b, txt(T_ZOEK_KOP_SEIZOEN), T_ZOEK_GEEN, &keus) || keus >= seizoenen.size())
     return false;
   *jaar = seizoenen[keus].jaar;
-  if (seizoen != nullptr) *seizoen = seizoenen[keus].seizoen;
+  *seizoen = seizoenen[keus].seizoen;
   return true;
 }
 
@@ -109,18 +112,19 @@ bool ing_jaar(int row, int col, const char* opties, uint16_t laag, uint16_t hoog
   if (laag == 0) laag = JAAR_LAAG;
   if (hoog == 0) hoog = JAAR_HOOG;
   const bool leeg_goed = strchr(opties, 'E') == nullptr;
-  IngRec* const toetsen = ing_new();
+  const VeldToetsen toetsen;
   for (;;) {
     uint16_t waarde = *jaar;
+    char letter = 0;
     // Typing 00 means the year 2000: an empty field, not the value, tells that there is none.
     char tekst[5] = "";
     if (waarde != 0 && strchr(opties, 'I') == nullptr)
       str_printf(tekst, sizeof tekst, "%04u", waarde);
-    ing_restore(toetsen);
+    toetsen.terug();
     INGAVE(row, col, leeg_goed ? "4s[0123456789]," : "4s[0123456789],E", &K_CANCEL, &K_F5, tekst);
     if (weg_toets()) break;
     if (scr_ctx->last_key == K_F5) {
-      if (!kies_seizoen(&waarde, seizoen)) continue;
+      if (!kies_seizoen(&waarde, &letter)) continue;
     } else if (tekst[0] == 0) {
       waarde = 0;
     } else {
@@ -131,9 +135,21 @@ bool ing_jaar(int row, int col, const char* opties, uint16_t laag, uint16_t hoog
     }
     if (waarde != 0 && !jaar_goed(waarde, laag, hoog)) continue;
     *jaar = waarde;
+    if (letter != 0 && seizoen != nullptr) *seizoen = letter;
     if (waarde != 0) scr_print(A_WAARDE, row, col, "%04u", waarde);
     break;
   }
-  ing_free(toetsen);
   return *jaar != oud;
+}
+
+bool ing_seizoen(int row, int col, char* seizoen) {
+  char letter[3] = {*seizoen, 0, 0};
+  seizoen_vertaal(letter, true);
+  INGAVE(row, col, str_format("1c[%.3s],EU", txt(T_SEL_LETTERS_SEIZOEN)).c_str(), &K_CANCEL,
+         &letter[0]);
+  if (weg_toets()) return false;
+  seizoen_vertaal(letter, false);
+  const bool anders = letter[0] != *seizoen;
+  *seizoen = letter[0];
+  return anders;
 }

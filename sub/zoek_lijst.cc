@@ -65,6 +65,8 @@ void key_lijst_zoek(BrwRec* b) {
   if (scr_ctx->last_key == K_TAB && l.ordes.size() > 1) {
     *l.orde = (*l.orde + 1) % static_cast<int>(l.ordes.size());
     scr_clreol(brw_search_row(), 1);
+    scr_clreol(1, 1);
+    b->heading(b);  // a text typed before the key makes the browser draw the page alone
   }
 }
 

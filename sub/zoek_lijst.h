@@ -46,3 +46,12 @@ bool lijst_kies(BrwRec* b, const char* titel, const Tekst& geen, uint32_t* gekoz
 /// The window of an empty master file.
 void lijst_geen();
 bool alleen_cijfers(const char* tekst);
+/// What the caller of a field has allowed, for every time that the field is asked again.
+struct VeldToetsen {
+  VeldToetsen() : bewaard(ing_new()) {}
+  ~VeldToetsen() { ing_free(bewaard); }
+  VeldToetsen(const VeldToetsen&) = delete;
+  VeldToetsen& operator=(const VeldToetsen&) = delete;
+  void terug() const { ing_restore(bewaard); }
+  IngRec* bewaard;
+};

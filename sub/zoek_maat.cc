@@ -3,7 +3,7 @@
 
 #include "isam/base.h"
 #include "main/controle.h"
-#include "sub/iomaat.h"
+#include "sub/iomaat_intern.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 #include "sub/zoek.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int KEY_POSITIE = 2, KEY_TEKST = 3;
+constexpr int KEY_INDEX = 1, KEY_POSITIE = 2, KEY_TEKST = 3;
 
 MaatRec maat_rec;
 
@@ -53,7 +53,7 @@ void zoek(BrwRec* b) {
   if (mtread(mt, 'F', &rec, KEY_TEKST)) b->current = rec.positie;
 }
 void kop(BrwRec*) {
-  scr_print(A_LABEL, 1, 1, " %-4.4s %-7.7s", txt(T_ZOEK_KOP_MAAT), txt(T_ZOEK_KOP_OMSCHR));
+  scr_print(A_LABEL, 1, 1, " %-5.5s %-7.7s", txt(T_ZOEK_KOP_MAAT), txt(T_ZOEK_KOP_OMSCHR));
 }
 const char* regel(BrwRec*) {
   str_printf(scr_klad, sizeof scr_klad, " %3.3s  %-7.7s",
@@ -64,10 +64,23 @@ const char* regel(BrwRec*) {
 
 bool kies_maat(MaatHandle* mt, uint8_t* maat) {
   BrwRec* b = brw_new(stap, zoek, kop, regel);
-  if (b != nullptr) b->data = mt;
+  if (b == nullptr) return false;
+  b->data = mt;
+  MaatRec rec{};
+  rec.maat = *maat;
+  if (mtread(mt, 'R', &rec, KEY_INDEX)) b->current = rec.positie;
   if (!lijst_kies(b, txt(T_ZOEK_MAAT), T_ZOEK_GEEN)) return false;
   *maat = maat_rec.maat;
   return true;
+}
+
+/// Size texts stand at the right of their three places, whatever the field's options did.
+void rechts(char (&tekst)[3]) {
+  while (tekst[2] == 0) {
+    tekst[2] = tekst[1];
+    tekst[1] = tekst[0];
+    tekst[0] = ' ';
+  }
 }
 
 // Size types
@@ -122,33 +135,37 @@ const char* soort_regel(BrwRec*) {
 }  // namespace
 
 bool ing_maat(int row, int col, const char* opties, MaatHandle* mt, uint8_t* maat) {
-  IngRec* const toetsen = ing_new();
-  bool klaar = false;
-  while (!klaar) {
-    MaatRec rec{};
+  MaatRec rec{};
+  if (!mtread(mt, 'F', &rec, KEY_INDEX)) {
+    scr_error("<%d> %s", mt->maatsoort, txt(T_ZOEK_MAATSOORT_FOUT));
+    return false;
+  }
+  const VeldToetsen toetsen;
+  for (;;) {
+    rec = {};
     rec.maat = *maat;
     char tekst[3] = {0, 0, 0};
-    if (*maat != 0 && mtread(mt, 'R', &rec, 1)) memcpy(tekst, rec.tekst, sizeof tekst);
-    ing_restore(toetsen);
+    if (mtread(mt, 'R', &rec, KEY_INDEX)) memcpy(tekst, rec.tekst, sizeof tekst);
+    toetsen.terug();
     INGAVE(row, col, str_format("3c,%s", opties).c_str(), &K_CANCEL, &K_F5, tekst);
-    if (weg_toets()) break;
+    if (weg_toets()) return false;
     if (scr_ctx->last_key == K_F5) {
-      klaar = kies_maat(mt, maat);
-      continue;
+      if (!kies_maat(mt, maat)) continue;
+      scr_print(A_WAARDE, row, col, "%3.3s", veld_tekst(maat_rec.tekst, sizeof maat_rec.tekst));
+      return true;
     }
-    memcpy(rec.tekst, tekst, sizeof rec.tekst);
     if (tekst[0] == 0) {
       *maat = 0;
-      klaar = true;
-    } else if (mtread(mt, 'R', &rec, KEY_TEKST)) {
-      *maat = rec.maat;
-      klaar = true;
-    } else {
-      scr_error("<%.3s> %s", std::string_view(tekst, sizeof tekst), txt(T_ZOEK_MAAT_FOUT));
+      return true;
     }
+    rechts(tekst);
+    memcpy(rec.tekst, tekst, sizeof rec.tekst);
+    if (mtread(mt, 'R', &rec, KEY_TEKST)) {
+      *maat = rec.maat;
+      return true;
+    }
+    scr_error("<%.3s> %s", std::string_view(tekst, sizeof tekst), txt(T_ZOEK_MAAT_FOUT));
   }
-  ing_free(toetsen);
-  return klaar;
 }
 
 int maatsoort_pick(uint8_t land) {

@@ -130,7 +130,13 @@ int kies_meer(ICB* gekozen) {
   b->multi = 1;
   b->title = str_format(" %s ", txt(T_ZOEK_MERKEN));
   markeer(b, gekozen);
-  key_lijst_positie(b);
+  // By its number: in the other orders brands may be equal.
+  IXSWITCH(dtmerk, 1);
+  if (DtMerk rec = lijst_rec; rec.nummer != 0 && IXEXISTS(dtmerk, &rec)) {
+    b->current = static_cast<uint32_t>(dtmerk->record_no);
+  } else {
+    key_lijst_positie(b);
+  }
   int aantal = -1;
   if (!b->move(b, 0)) {
     lijst_geen();
@@ -160,7 +166,9 @@ bool eenduidig(const char* tekst) {
   zet_zoeknaam(tekst);
   IXSWITCH(dtmerk, 2);
   bool uniek = false;
-  if (IXFIRSTR(dtmerk, &lijst_rec) && begint_met()) {
+  if (!IXFIRSTR(dtmerk, &lijst_rec)) {
+    IXPREV(dtmerk, &lijst_rec);
+  } else if (begint_met()) {
     const DtMerk eerste = lijst_rec;
     uniek = !IXNEXT(dtmerk, &lijst_rec) || !begint_met();
     lijst_rec = eerste;

@@ -76,7 +76,7 @@ void zoek(BrwRec* b) {
 void kop(BrwRec*) {
   DtMerk merk{};
   lees_merk(dtmerk, &merk, merk_nu);
-  scr_print(A_LABEL, 1, 1, "%s: %u %-20.20s", txt(T_ZOEK_KOP_MERK), merk_nu,
+  scr_print(A_LABEL, 1, 2, "%s: %u %-20.20s", txt(T_ZOEK_KOP_MERK), merk_nu,
             veld_tekst(merk.naam, sizeof merk.naam));
 }
 const char* regel(BrwRec*) {

@@ -35,7 +35,7 @@ void zet_artg(const char* t) { artikel_rec.nummer = static_cast<uint32_t>(atol(t
 void zet_oms(const char* t) { veld_zet(artikel_rec.naam, sizeof artikel_rec.naam, t); }
 void zet_omzg(const char* t) { artikel_rec.omzetgroep = static_cast<uint16_t>(atoi(t)); }
 const ZoekOrde ARTIKEL_ORDES[] = {{1, T_ZOEK_ARTIKELGROEP, "5s[0123456789],I", zet_artg},
-                                  {2, T_ZOEK_OMSCHRIJVING, "20s,I", zet_oms},
+                                  {2, T_ZOEK_KOP_OMS, "20s,I", zet_oms},
                                   {3, T_ZOEK_OMZETGROEP, "5s[0123456789],I", zet_omzg}};
 
 void artikel_kop(BrwRec*) {
@@ -64,7 +64,7 @@ const char* keuze_tekst(int i) {
 }
 
 void doelgroep_kop(BrwRec*) {
-  scr_print(A_LABEL, 1, 1, " %-4.4s %-20.20s", txt(T_ZOEK_DGR), txt(T_ZOEK_KOP_OMS));
+  scr_print(A_LABEL, 1, 1, " %-6.6s %-20.20s", txt(T_ZOEK_DGR), txt(T_ZOEK_KOP_OMS));
 }
 const char* doelgroep_regel(BrwRec*) {
   str_printf(scr_klad, sizeof scr_klad, "  %c    %-20.20s", doelgroep_rec.letter,
@@ -139,7 +139,7 @@ void doelgroep_zoek(BrwRec* b) {
 
 Actie actie_rec;
 void actie_kop(BrwRec*) {
-  scr_print(A_LABEL, 1, 1, " %-3.3s %-13.13s %-2.2s %-27.27s", txt(T_ZOEK_AN), txt(T_ZOEK_PERIODE),
+  scr_print(A_LABEL, 1, 1, " %-3.3s %-13.13s %-2.2s  %-27.27s", txt(T_ZOEK_AN), txt(T_ZOEK_PERIODE),
             txt(T_ZOEK_AC), txt(T_ZOEK_KOP_ACTIE));
 }
 const char* actie_regel(BrwRec* b) {
@@ -160,18 +160,25 @@ uint16_t kleur_pick(uint16_t vanaf) {
   b->data = &lijst;
   int32_t nummer = vanaf == 0 ? 1 : vanaf;
   if (iotab('F', &nummer, &kleur_rec, SYS_KLEUREN)) b->current = static_cast<uint32_t>(nummer);
-  const bool gekozen = lijst_kies(b, txt(T_ZOEK_SEL_KLEUR), T_ZOEK_GEEN);
-  return gekozen ? kleur_rec.nummer : uint16_t{0};
+  uint32_t gekozen = 0;  // the slot: it is what series mean by a number
+  const bool keus = lijst_kies(b, txt(T_ZOEK_SEL_KLEUR), T_ZOEK_GEEN, &gekozen);
+  return keus ? static_cast<uint16_t>(gekozen) : uint16_t{0};
 }
 
 bool ing_kleur(int row, int col, const char* opties, uint16_t* nummer) {
   const uint16_t oud = *nummer;
-  INGAVE(row, col, str_format("3d,P%s", opties).c_str(), &K_CANCEL, &K_F5, nummer);
-  if (scr_ctx->last_key == K_F5) {
-    if (const uint16_t keus = kleur_pick(*nummer); keus != 0) *nummer = keus;
+  const VeldToetsen toetsen;
+  for (;;) {
+    toetsen.terug();
+    INGAVE(row, col, str_format("3d,P%s", opties).c_str(), &K_CANCEL, &K_F5, nummer);
+    if (weg_toets()) *nummer = oud;
+    if (scr_ctx->last_key != K_F5) return *nummer != oud;
+    const uint16_t keus = kleur_pick(*nummer);
+    if (keus == 0) continue;
+    *nummer = keus;
     scr_print(A_WAARDE, row, col, "%3hu", *nummer);
+    return *nummer != oud;
   }
-  return *nummer != oud;
 }
 
 uint32_t artikel_pick(uint32_t vanaf) {
@@ -181,8 +188,10 @@ uint32_t artikel_pick(uint32_t vanaf) {
   b->data = &lijst;
   artikel_rec = {};
   artikel_rec.nummer = vanaf;
-  artikel_orde = 0;
-  key_lijst_positie(b);
+  IXSWITCH(dtart, 1);
+  if (IXFIRSTR(dtart, &artikel_rec) || IXPREV(dtart, &artikel_rec)) {
+    b->current = static_cast<uint32_t>(dtart->record_no);  // whatever the order of the list
+  }
   const bool gekozen = lijst_kies(b, txt(T_ZOEK_SEL_ARTIKEL), T_ZOEK_GEEN);
   IXSWITCH(dtart, 1);
   return gekozen ? artikel_rec.nummer : 0;
@@ -190,12 +199,18 @@ uint32_t artikel_pick(uint32_t vanaf) {
 
 bool ing_artikel(int row, int col, const char* opties, uint32_t* nummer) {
   const uint32_t oud = *nummer;
-  INGAVE(row, col, str_format("5l,P%s", opties).c_str(), &K_CANCEL, &K_F5, nummer);
-  if (scr_ctx->last_key == K_F5) {
-    if (const uint32_t keus = artikel_pick(*nummer); keus != 0) *nummer = keus;
+  const VeldToetsen toetsen;
+  for (;;) {
+    toetsen.terug();
+    INGAVE(row, col, str_format("5l,P%s", opties).c_str(), &K_CANCEL, &K_F5, nummer);
+    if (weg_toets()) *nummer = oud;
+    if (scr_ctx->last_key != K_F5) return *nummer != oud;
+    const uint32_t keus = artikel_pick(*nummer);
+    if (keus == 0) continue;
+    *nummer = keus;
     scr_print(A_WAARDE, row, col, "%5lu", *nummer);
+    return *nummer != oud;
   }
-  return *nummer != oud;
 }
 
 char doelgroep_pick() {
@@ -224,12 +239,19 @@ const char* doelgroep_tekst(char letter) {
 
 bool ing_doelgroep(int row, int col, const char* opties, char* letter) {
   const char oud = *letter;
+  const VeldToetsen toetsen;
   for (;;) {
-    INGAVE(row, col, str_format("1c,U%s", opties).c_str(), &K_CANCEL, &K_F5, letter);
-    if (weg_toets()) return false;
+    toetsen.terug();
+    INGAVE(row, col, str_format("1c,%s", opties).c_str(), &K_CANCEL, &K_F5, letter);
+    if (weg_toets()) {
+      *letter = oud;
+      return false;
+    }
     if (scr_ctx->last_key == K_F5) {
-      if (const char keus = doelgroep_pick(); keus != 0) *letter = keus;
-      scr_print(A_WAARDE, row, col, "%c", *letter);
+      const char keus = doelgroep_pick();
+      if (keus == 0) continue;
+      *letter = keus;
+      scr_print(A_WAARDE, row, col, "%1c", *letter);
       return *letter != oud;
     }
     if (*letter == 0 || *doelgroep_tekst(*letter) != 0) return *letter != oud;
@@ -251,11 +273,18 @@ int actie_pick(int vanaf) {
 
 bool ing_actie(int row, int col, const char* opties, uint8_t* nummer) {
   const uint8_t oud = *nummer;
+  const VeldToetsen toetsen;
   for (;;) {
+    toetsen.terug();
     INGAVE(row, col, str_format("2U,P%s", opties).c_str(), &K_CANCEL, &K_F5, nummer);
-    if (weg_toets()) return false;
+    if (weg_toets()) {
+      *nummer = oud;
+      return false;
+    }
     if (scr_ctx->last_key == K_F5) {
-      if (const int keus = actie_pick(*nummer); keus != 0) *nummer = static_cast<uint8_t>(keus);
+      const int keus = actie_pick(*nummer);
+      if (keus == 0) continue;
+      *nummer = static_cast<uint8_t>(keus);
       scr_print(A_WAARDE, row, col, "%2hu", *nummer);
       return *nummer != oud;
     }

@@ -1,0 +1,557 @@
+// The lookup fields and lists as an operator sees them, over a small chain of brands, colours,
+// article groups, target groups, actions, codes, seasons, models and sizes.
+#include "sub/zoek.h"
+
+#include <gtest/gtest.h>
+
+#include "scr/scr.h"
+#include "sub/iomaat.h"
+#include "sub/sel_krit.h"
+#include "sub/sel_merken.h"
+#include "tests/support/keten.h"
+#include "tests/support/terminal.h"
+
+namespace {
+
+using namespace toets;
+std::string in(const char* tekst) { return std::string(tekst) + Enter; }
+
+void sys(const SysTabel& tabel, int32_t nummer, const std::string& bytes) {
+  std::string rec = bytes;
+  rec.resize(static_cast<size_t>(tabel.lengte));
+  iotab('W', &nummer, rec.data(), tabel);
+}
+
+struct Zoek : testing::Test {
+  Keten k;
+  void SetUp() override {
+    k.open();
+    struct Merk {
+      uint16_t nr;
+      const char *naam, *kort;
+    };
+    for (const Merk& m : {Merk{5, "Duinroos", "DUIN"}, Merk{7, "Zilt", "ZILT"},
+                          Merk{123, "Aardappel", "DUIM"}, Merk{40, "Kaap Veertig", "KAAP"}}) {
+      DtMerk rec{};
+      rec.nummer = m.nr;
+      veld_zet(rec.naam, sizeof rec.naam, m.naam);
+      veld_zet(rec.zoeknaam, sizeof rec.zoeknaam, m.kort);
+      Keten::voeg(dtmerk, rec);
+    }
+    struct Art {
+      uint32_t nr;
+      const char* naam;
+      uint16_t omzg;
+    };
+    for (const Art& a :
+         {Art{10100, "Rokken", 30}, Art{20200, "Jassen", 10}, Art{30300, "Blouses", 20}}) {
+      DtArt rec{};
+      rec.nummer = a.nr;
+      veld_zet(rec.naam, sizeof rec.naam, a.naam);
+      rec.omzetgroep = a.omzg;
+      Keten::voeg(dtart, rec);
+    }
+    sys(SYS_KLEUREN, 10, std::string("\x0A\0wit", 5));
+    sys(SYS_KLEUREN, 100, std::string("\x64\0zwart", 7));
+    Actie actie{};
+    actie.van = date_number("01012025");
+    actie.tm = date_number("31012025");
+    actie.code = 3;
+    veld_zet(actie.tekst, sizeof actie.tekst, "Opruiming");
+    sys(SYS_ACTIES, 12, std::string(reinterpret_cast<const char*>(&actie), sizeof actie));
+    sys(SYS_CODES_SEIZOEN, 1, "begin");
+    sys(SYS_CODES_SEIZOEN, 4, "zomer");
+    k.sluit();
+    InkSys seizoenen[2] = {};
+    seizoenen[0] = {2025, 'Z', 0, {}};
+    seizoenen[1] = {2026, 'W', 0, {}};
+    veld_zet(seizoenen[0].tekst, sizeof seizoenen[0].tekst, "Zomer");
+    veld_zet(seizoenen[1].tekst, sizeof seizoenen[1].tekst, "Winter");
+    std::ofstream("INKSYS.TXT", std::ios::binary)
+        .write(reinterpret_cast<const char*>(seizoenen), sizeof seizoenen);
+  }
+  /// Runs `werk` on a screen and shows the line that it returns on row 22.
+  Terminal start(const std::function<std::string()>& werk) {
+    return start_in_child([this, werk] {
+      k.open();
+      SCRINIT();
+      hdr_line('C', "");
+      const std::string uit = werk();
+      scr_print(A_WAARDE, 22, 1, "%s", uit);
+      scr_enter(23, 1);
+      scr_exit(0);
+    });
+  }
+};
+
+struct ZoekMerk : Zoek {
+  /// The field at row 3, column 10 with 5 and 7 in the choice; as often as `keer`.
+  Terminal veld(int keer = 1, uint16_t nummer = 5, const char* opties = "") {
+    return start([keer, nummer, opties] {
+      merklijst_leeg();
+      merklijst_neem(std::vector<uint16_t>{5, 7}, true);
+      ICB* lijst = merklijst_open(IX_EXCLUSIEF);
+      uint16_t nr = nummer;
+      std::string uit;
+      for (int i = 0; i < keer; ++i) {
+        key_allow(K_CANCEL);
+        const int n = ing_merk(3, 10, opties, &nr, lijst);
+        uit += str_format("n%d nr%d %s%s/", n, nr, weg_toets() ? "weg" : "",
+                          (scr_ctx->ing_result & ING_ANDERS) != 0 ? "anders" : "");
+      }
+      IXCLOSE(lijst);
+      for (const uint16_t nr2 : merklijst_nummers()) uit += str_format(" %d", nr2);
+      return uit;
+    });
+  }
+};
+
+TEST_F(ZoekMerk, ANumberOrTheOnlySearchNameIsTaken) {
+  Terminal t = veld(3);
+  EXPECT_EQ(t.text(3, 10, 4), "5___");
+  t.type(in("7"));
+  EXPECT_EQ(t.text(3, 10, 4), "7___");
+  t.type(in("k"));
+  EXPECT_EQ(t.text(3, 10, 4), "40__");
+  t.type(Enter);
+  EXPECT_EQ(t.text(3, 10, 4), "  40");
+  EXPECT_EQ(t.row(22), "n1 nr7 anders/n1 nr40 anders/n1 nr40 / 40");
+}
+
+TEST_F(ZoekMerk, EmptyIsNoBrandAndCancelChangesNothing) {
+  Terminal t = veld(2);
+  t.type(std::string(Back) + Enter);
+  t.type(Esc);
+  EXPECT_TRUE(t.row(22).starts_with("n0 nr0 anders/n2 nr0 weg/ 5 7")) << t.row(22);
+  Terminal u = veld(1, 7, "I");
+  EXPECT_EQ(u.text(3, 10, 4), "____");
+  u.type(std::string("12") + Esc);
+  EXPECT_TRUE(u.row(22).starts_with("n2 nr7 weg/ 5 7")) << u.row(22);
+  Terminal v = veld(1, 0, "E");
+  v.type(Enter);
+  EXPECT_TRUE(v.shows("Ingave verplicht"));
+}
+
+TEST_F(ZoekMerk, SeveralNamesOrAnUnknownNumberOpenTheListAtTheNearest) {
+  Terminal t = veld(2);
+  t.type(in("du"));
+  EXPECT_TRUE(t.shows(" selecteren merk(en) "));
+  EXPECT_EQ(t.text(4, 46, 30), " mkzn merknr merknaam         ") << t.screen();
+  EXPECT_EQ(t.text(5, 46, 30), " DUIM  123   Aardappel        ");
+  EXPECT_TRUE(t.reverse(5, 47));
+  EXPECT_TRUE(t.shows("Zoeknaam ____"));
+  EXPECT_TRUE(t.shows("→ 2│"));
+  t.type(Esc);
+  EXPECT_EQ(t.cursor_row(), 3);  // the field again, as it was
+  t.type(in("zz"));              // behind all search names: the last
+  EXPECT_TRUE(t.reverse(5, 47));
+  EXPECT_EQ(t.text(5, 47, 10), "ZILT    7 ");
+  t.type(Esc);
+  t.type(in("123"));
+  t.type(in("9"));
+  EXPECT_EQ(t.text(5, 46, 10), "→DUIM  123");
+  t.type(Esc);
+  t.type(Esc);
+  EXPECT_TRUE(t.row(22).starts_with("n1 nr123 anders/n1 nr123 weg/ 123")) << t.row(22);
+}
+
+TEST_F(ZoekMerk, TheListStartsWithTheChoiceMarkedAndTakesMarksEnterAndAll) {
+  Terminal t = veld(3);
+  t.type(F5);  // at the present brand, 5 and 7 marked
+  EXPECT_EQ(t.text(5, 46, 10), "→DUIN    5");
+  EXPECT_EQ(t.text(6, 46, 6), " KAAP ");
+  EXPECT_EQ(t.text(7, 46, 10), "→ZILT    7");
+  t.type(Enter);  // with marks Enter does nothing
+  EXPECT_TRUE(t.shows("Zoeknaam ____"));
+  t.type(F7);  // 5 off, down to 40
+  t.type(F7);  // 40 on
+  t.type(F3);
+  EXPECT_EQ(t.text(3, 10, 4), "7___");
+  t.type(F5);
+  t.type(F10);
+  t.type(Enter);
+  t.type(F5);
+  t.type(F10);
+  t.type(F6);
+  EXPECT_TRUE(t.shows(" *-0")) << t.screen();
+  t.type(F3);
+  EXPECT_EQ(t.row(22), "n2 nr7 anders/n1 nr7 /n0 nr0 anders/");
+}
+
+TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
+  Terminal t = veld(2);
+  t.type(F5);
+  t.type(F10);
+  t.type(F7);  // 5
+  t.type(F6);
+  t.type(Tab);  // by name: the record under the cursor, 40, on top
+  EXPECT_EQ(t.text(4, 46, 33), " merknaam             mkzn merknr");
+  EXPECT_EQ(t.text(5, 47, 31), "Kaap Veertig         KAAP   40 ");
+  EXPECT_TRUE(t.shows("Naam __________"));
+  t.type(Tab);
+  EXPECT_EQ(t.text(4, 46, 33), " merknr merknaam             mkzn");
+  EXPECT_EQ(t.text(5, 47, 32), "  40   Kaap Veertig         KAAP");
+  EXPECT_EQ(t.text(6, 47, 32), " 123   Aardappel            DUIM");
+  EXPECT_TRUE(t.shows("Nummer ____"));
+  t.type(std::string("7") + Tab);  // a text before the key: searched, and then the next order
+  EXPECT_EQ(t.text(4, 46, 6), " mkzn ");
+  EXPECT_EQ(t.text(5, 47, 9), "ZILT    7");
+  t.type(F3);
+  t.type(F5);
+  EXPECT_EQ(t.text(4, 46, 6), " mkzn ");
+  t.type(Esc);
+  t.type(Esc);
+  EXPECT_TRUE(t.row(22).starts_with("n3 nr7 anders/n3 nr7 weg/ 7 40 123")) << t.row(22);
+}
+
+TEST_F(ZoekMerk, OnePickAndAnEmptyFile) {
+  Terminal t = start([] { return str_format("keus %d", ing_merk_pick()); });
+  EXPECT_TRUE(t.shows(" selecteren merk "));
+  t.type(in("KA"));
+  t.type(F3);
+  EXPECT_EQ(t.row(22), "keus 40");
+  k.open();
+  IXINIT(dtmerk);
+  k.sluit();
+  Terminal u = start([] {
+    ICB* lijst = merklijst_open(IX_EXCLUSIEF);
+    uint16_t nr = 0;
+    key_allow(K_CANCEL);
+    ing_merk(3, 10, "", &nr, lijst);
+    IXCLOSE(lijst);
+    return std::string("weg");
+  });
+  u.type(F5);
+  EXPECT_EQ(u.text(22, 21, 18), "│ Geen informatie ");
+  EXPECT_TRUE(u.bold(22, 23));
+  u.type(Enter);
+  EXPECT_EQ(u.cursor_row(), 3);
+  u.type(Esc);
+  EXPECT_EQ(u.row(22), "weg");
+}
+
+TEST_F(Zoek, ColoursAreSlots) {
+  Terminal t = start([] {
+    uint16_t nr = 11;
+    key_allow(K_CANCEL);
+    const bool anders = ing_kleur(3, 10, "", &nr);
+    return str_format("%d %d %d", anders, nr, kleur_pick(500));
+  });
+  t.type(F5);
+  EXPECT_TRUE(t.shows(" selecteren kleur "));
+  EXPECT_TRUE(t.shows(" klr  kleur"));
+  EXPECT_TRUE(t.shows(" 100 zwart"));
+  EXPECT_FALSE(t.shows("  10 wit"));  // the page starts at the first colour from 11 on
+  t.type(Up);
+  EXPECT_TRUE(t.shows("  10 wit"));
+  EXPECT_TRUE(t.shows("Kleurnummer ___"));
+  t.type(Esc);
+  EXPECT_EQ(t.cursor_row(), 3);
+  t.type(F5);
+  t.type(in("2"));
+  t.type(F3);
+  t.type(in("700"));  // behind all: the last
+  t.type(Enter);
+  EXPECT_EQ(t.row(22), "1 10 100");
+}
+
+TEST_F(Zoek, ArticleGroupsInThreeOrdersThatAreRemembered) {
+  Terminal t = start([] {
+    uint32_t nr = 15000;
+    key_allow(K_CANCEL);
+    const bool anders = ing_artikel(3, 10, "", &nr);
+    return str_format("%d %d %d", anders, nr, artikel_pick(10100));
+  });
+  t.type(F5);
+  EXPECT_TRUE(t.shows(" selecteren artikelgroep "));
+  EXPECT_TRUE(t.shows(" artg  omschrijving          omzg"));
+  EXPECT_TRUE(t.shows("artikelgroep _____"));
+  EXPECT_EQ(t.text(5, 47, 12), "20200 Jassen") << t.screen();
+  t.type(Tab);
+  EXPECT_TRUE(t.shows("omschrijving ____________________"));
+  EXPECT_TRUE(t.text(6, 47, 12) == "10100 Rokken");
+  t.type(Tab);
+  EXPECT_TRUE(t.shows("Omzetgroep _____"));
+  t.type(in("15"));
+  t.type(F3);
+  EXPECT_TRUE(t.shows("Omzetgroep _____"));  // the second list in the order of the first
+  EXPECT_TRUE(t.text(5, 47, 12) == "10100 Rokken");
+  t.type(F3);
+  EXPECT_EQ(t.row(22), "1 30300 10100");
+}
+
+struct ZoekDoelgroep : Zoek {
+  void SetUp() override {
+    Zoek::SetUp();
+    ICB* icb = IXOPEN("DTDOELGR", IX_EXCLUSIEF);
+    for (const char* naam : {"Dames", "Heren", "Meisjes"}) {
+      DtDoelgr rec{};
+      rec.letter = naam[0];
+      veld_zet(rec.tekst, sizeof rec.tekst, naam);
+      IXWRITE(icb, &rec);
+    }
+    IXCLOSE(icb);
+  }
+  Terminal veld() {
+    return start([] {
+      char letter = 'X';
+      key_allow(K_CANCEL);
+      const bool anders = ing_doelgroep(3, 10, "", &letter);
+      return str_format("%d <%c> %s", anders, letter, doelgroep_tekst(letter));
+    });
+  }
+};
+
+TEST_F(ZoekDoelgroep, TheFieldNamesAWrongLetterAndTheListMovesUnderItsChoiceLine) {
+  Terminal t = veld();
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("<X> Ongeldige doelgroep"));
+  t.type(F5);
+  EXPECT_TRUE(t.shows(" dgr    omschrijving")) << t.screen();
+  EXPECT_TRUE(t.shows("   D    Dames"));
+  EXPECT_TRUE(t.shows("Uw keuze _ S, W, V"));
+  t.type(Down);
+  t.type(Down);
+  t.type(Down);
+  t.type(Up);
+  const int rij = t.row(6).find("   H    Heren") != std::string::npos ? 6 : 0;
+  EXPECT_TRUE(rij != 0 && t.reverse(rij, 60)) << t.screen();
+  t.type(Enter);  // an empty choice is asked again
+  EXPECT_TRUE(t.shows("Uw keuze _ S, W, V"));
+  t.type("s");
+  EXPECT_EQ(t.row(22), "1 <H> Heren");
+  EXPECT_EQ(t.text(3, 10, 1), "H");
+}
+
+TEST_F(ZoekDoelgroep, AGroupIsChangedAndDeletedFromTheList) {
+  Terminal t = veld();
+  t.type(F5);
+  t.type(Down);
+  t.type("w");
+  EXPECT_TRUE(t.shows(" WIJZIGEN DOELGROEP "));
+  EXPECT_TRUE(t.shows(" Omschrijving doelgroep Heren_______"));
+  t.type(Esc);
+  t.type("w");
+  t.type(in("Mannen"));
+  EXPECT_TRUE(t.shows("   H    Mannen")) << t.screen();
+  t.type("v");
+  EXPECT_TRUE(t.shows("Deze doelgroep wordt verwijderd. Akkoord? (J/N) N"));
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("   H    Mannen"));
+  t.type("v");
+  t.type("J");
+  t.type(Enter);
+  EXPECT_FALSE(t.shows("Mannen")) << t.screen();
+  EXPECT_TRUE(t.shows("   M    Meisjes"));
+  for (int i = 0; i < 2; ++i) {
+    t.type("v");
+    t.type("J");
+    t.type(Enter);
+  }
+  EXPECT_EQ(t.cursor_row(), 3) << t.screen();  // emptied: the list ends, the field comes back
+  t.type(F5);
+  EXPECT_TRUE(t.shows("Geen doelgroepen gedefinieerd"));
+  t.type(Enter);
+  t.type(Esc);
+  EXPECT_EQ(t.row(22), "0 <X>");
+}
+
+TEST_F(Zoek, ActionsShowTheirPeriod) {
+  Terminal t = start([] {
+    uint8_t nr = 0;
+    key_allow(K_CANCEL);
+    const bool anders = ing_actie(3, 10, "E", &nr);
+    return str_format("%d %d", anders, nr);
+  });
+  t.type(in("13"));
+  EXPECT_TRUE(t.shows("<13> Onbekend actienummer"));
+  t.type(F5);
+  EXPECT_TRUE(t.shows(" an  periode va-tm ac  actie")) << t.screen();
+  EXPECT_TRUE(t.shows("12  010125-310125  3  Opruiming"));
+  EXPECT_TRUE(t.shows("Actienummer __"));
+  t.type(Enter);
+  EXPECT_EQ(t.row(22), "1 12");
+}
+
+TEST_F(Zoek, CodesAreTakenByOneKeyAndKeptUp) {
+  Terminal t = start([] {
+    uint8_t code = 9;
+    key_allow(K_CANCEL);
+    const bool anders = ing_code(3, 10, "", 4, &code);
+    const int keus = code_pick(4, true);
+    const std::string vijf = code_tekst(4, 5);
+    return str_format("%d %d %d %s|%s", anders, code, keus, vijf, code_tekst(4, 3));
+  });
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("<9> Ongeldige ingave"));
+  t.type(F5);
+  EXPECT_TRUE(t.row(3).find(" Raadplegen deelseizoen ") != std::string::npos);
+  EXPECT_EQ(t.text(4, 50, 16), "nr omschrijving ");
+  EXPECT_EQ(t.text(5, 50, 10), "0 begin   ");
+  EXPECT_EQ(t.text(8, 50, 10), "3 zomer   ");
+  t.type("5");
+  EXPECT_TRUE(t.shows("<5> Ongeldige ingave"));
+  t.type(Esc);
+  t.type(F5);
+  t.type("0");
+  EXPECT_TRUE(t.shows("Uw keuze _ S, W, V")) << t.screen();
+  t.type("w");
+  t.type("5");
+  EXPECT_TRUE(t.shows(" WIJZIGEN deelseizoen "));
+  t.type(in("herfst"));
+  EXPECT_EQ(t.text(10, 50, 10), "5 herfst  ");
+  t.type("v");
+  t.type("3");
+  t.type(in("J"));
+  EXPECT_EQ(t.text(8, 50, 10), "          ");
+  t.type("s");
+  t.type("5");
+  EXPECT_EQ(t.row(22), "1 0 5 herfst|");
+}
+
+TEST_F(Zoek, YearsExpandAreLimitedAndComeWithTheirSeason) {
+  const auto jaar = [](uint16_t laag, uint16_t hoog) {
+    return [=] {
+      uint16_t j = 0;
+      char s = 0;
+      key_allow(K_CANCEL);
+      ing_jaar(3, 10, "", laag, hoog, &j, &s);
+      return str_format("%d %c", j, s == 0 ? '-' : s);
+    };
+  };
+  for (const auto& [tekst, uit] :
+       {std::pair{"25", "2025 -"}, std::pair{"00", "2000 -"}, std::pair{"80", "1980 -"},
+        std::pair{"50", "2050 -"}, std::pair{"1999", "1999 -"}, std::pair{"", "0 -"}}) {
+    Terminal t = start(jaar(0, 0));
+    t.type(in(tekst));
+    EXPECT_EQ(t.row(22), uit);
+  }
+  Terminal t = start(jaar(0, 0));
+  t.type(in("1979"));
+  EXPECT_TRUE(t.shows("<1979> Ongeldig jaartal"));
+  t.type(in("2080"));
+  EXPECT_TRUE(t.shows("<2080> Alleen 1980 t/m 2079 mogelijk"));
+  t.type(F5);
+  EXPECT_TRUE(t.shows("2025Z  Zomer"));
+  EXPECT_TRUE(t.shows("2026W  Winter"));
+  t.type(in("2026"));
+  t.type(F3);
+  EXPECT_EQ(t.row(22), "2026 W");
+
+  Terminal u = start(jaar(2026, 2026));  // a season that is refused leaves nothing behind
+  u.type(F5);
+  u.type(F3);
+  EXPECT_TRUE(u.shows("<2025> Alleen 2026 t/m 2026 mogelijk"));
+  u.type(in("26"));
+  EXPECT_EQ(u.row(22), "2026 -");
+
+  Terminal v = start([] {
+    char s = 'K';
+    const bool anders = ing_seizoen(3, 10, &s);
+    return str_format("%d %c", anders, s);
+  });
+  v.type("q");
+  EXPECT_TRUE(v.shows("<Q> Ongeldige ingave"));
+  v.type(in("z"));
+  EXPECT_EQ(v.row(22), "1 Z");
+}
+
+TEST_F(Zoek, TheModelListHoldsTheModelsOfOneBrandOnce) {
+  k.open();
+  uint16_t volgnr = 0;
+  for (const auto& [merk, model] :
+       {std::pair{5, "ROMA"}, std::pair{7, "PARIJS"}, std::pair{7, "BERLIJN"},
+        std::pair{7, "PARIJS"}, std::pair{7, "WENEN"}, std::pair{40, "ALMELO"}}) {
+    DtSer s = Keten::serie({10100, 10, ++volgnr}, 1, static_cast<uint16_t>(merk));
+    veld_zet(s.model, sizeof s.model, model);
+    Keten::voeg(dtser, s);
+  }
+  k.sluit();
+  const auto kies = [](uint16_t merk) {
+    return [merk] {
+      char model[15] = {};
+      const bool er = model_pick(merk, model);
+      return str_format("%d <%s> %d", er, veld_tekst(model, sizeof model), file_exists(privaat.s));
+    };
+  };
+  Terminal t = start(kies(7));
+  EXPECT_TRUE(t.shows(" selecteren model "));
+  EXPECT_TRUE(t.shows("Merk: 7 Zilt"));
+  EXPECT_EQ(t.text(5, 47, 8), "BERLIJN ") << t.screen();
+  EXPECT_EQ(t.text(6, 47, 8), "PARIJS  ");
+  EXPECT_EQ(t.text(7, 47, 8), "WENEN   ");
+  EXPECT_EQ(t.text(8, 47, 8), "        ");
+  EXPECT_TRUE(t.shows("Model _______________"));
+  t.type(Down);
+  t.type(Down);
+  t.type(Down);
+  t.type(Up);
+  EXPECT_TRUE(t.reverse(6, 47));
+  t.type(in("p"));
+  t.type(Enter);
+  EXPECT_EQ(t.row(22), "1 <PARIJS> 0");
+
+  Terminal u = start(kies(123));
+  EXPECT_TRUE(u.shows("selecteren model"));
+  EXPECT_TRUE(u.shows("Geen informatie"));
+  u.type(Enter);
+  EXPECT_EQ(u.row(22), "0 <> 0");
+}
+
+TEST_F(Zoek, SizesGoByTextAndByTheirBar) {
+  k.open();
+  DtMaat m{};
+  m.land = 1;
+  m.maatsoort = 2;
+  const char* maten[] = {"  S", "  M", "  L"};
+  const uint8_t posities[] = {1, 3, 2};  // the bar shows S L M
+  for (int i = 0; i < 3; ++i) {
+    memcpy(m.ingang[i + 1].tekst, maten[i], 3);
+    m.ingang[i + 1].ander = posities[i];
+  }
+  Keten::voeg(dtmaat, m);
+  DtMtom oms{};
+  oms.land = 1;
+  oms.maatsoort = 2;
+  oms.maat = 2;
+  veld_zet(oms.tekst, sizeof oms.tekst, "Medium");
+  Keten::voeg(dtmtom, oms);
+  k.sluit();
+  const auto veld = [](const char* opties, uint8_t soort) {
+    return [=] {
+      MaatHandle* mt = mtopen(1, soort, MT_VERTAALD);
+      uint8_t maat = 1;
+      key_allow(K_CANCEL);
+      const bool er = ing_maat(3, 10, opties, mt, &maat);
+      mtclose(mt);
+      return str_format("%d %d", er, maat);
+    };
+  };
+  Terminal t = start(veld("U", 2));
+  t.type(in("x"));
+  EXPECT_TRUE(t.shows("<  X> Onbekende/foutieve maat")) << t.screen();
+  t.type(in("l"));  // a text typed at the left is meant at the right
+  EXPECT_EQ(t.row(22), "1 3");
+
+  Terminal u = start(veld("J", 2));
+  u.type(F5);
+  EXPECT_TRUE(u.shows(" maat  omschr")) << u.screen();
+  EXPECT_TRUE(u.row(5).find("   S  ") != std::string::npos);
+  EXPECT_TRUE(u.row(6).find("   L  ") != std::string::npos);
+  EXPECT_TRUE(u.row(7).find("   M  Medium") != std::string::npos);
+  u.type(in("M"));
+  u.type(Enter);
+  EXPECT_EQ(u.text(3, 10, 3), "  M");
+  EXPECT_EQ(u.row(22), "1 2");
+
+  Terminal v = start(veld("", 44));
+  EXPECT_TRUE(v.shows("<44> Onbekende maatsoort"));
+  Terminal w = start([] { return str_format("%d", maatsoort_pick(0)); });
+  EXPECT_TRUE(w.shows("<0> Onbekend maatstelsel"));
+  Terminal x = start([] { return str_format("%d", maatsoort_pick(1)); });
+  EXPECT_TRUE(x.shows("  2    S   M   L")) << x.screen();
+  x.type(Enter);
+  EXPECT_EQ(x.row(22), "2");
+}
+
+}  // namespace
