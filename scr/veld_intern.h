@@ -33,7 +33,7 @@ extern VeldWerk veld_werk;
 VeldFout veld_lees();
 /// Writes the variable at its own width.
 void veld_schrijf();
-/// "%<length>.<precision>f" of a number.
+/// "%-<length>.<precision>f" of a number: digits from the first place, blanks behind.
 std::string veld_getal(double waarde);
 /// A date in the form of the field, without its separators; empty for 0.
 std::string veld_datum(double nummer);

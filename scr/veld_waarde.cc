@@ -142,7 +142,7 @@ void veld_zet_tekst(std::string_view tekst) {
 }
 
 std::string veld_getal(double waarde) {
-  return str_format("%*.*f", veld_werk.formaat.lengte, veld_werk.formaat.precisie, waarde);
+  return str_format("%-*.*f", veld_werk.formaat.lengte, veld_werk.formaat.precisie, waarde);
 }
 
 std::string veld_datum(double nummer) {

@@ -94,7 +94,7 @@ TEST(VeldGetal, TypingReplacesAndUnderscoresGo) {
 
 TEST(VeldGetal, OldValueStaysWhenUntouchedAndZeroShowsWithZAndE) {
   Terminal t = getal<int32_t>("5l,EZP", 0);
-  EXPECT_EQ(veld(t, 5), "    0");
+  EXPECT_EQ(veld(t, 5), "0____");
   t.type(toets::Enter);
   EXPECT_UIT(t, false, false, 10, "0");
   Terminal leeg = getal<int32_t>("5l,P", 7);
@@ -129,12 +129,12 @@ TEST(VeldGetal, DecimalsSignsAndBothPoints) {
   Terminal geen_min = getal<int32_t>("5l,ZP", 3);
   geen_min.type("-");
   EXPECT_EQ(geen_min.row(25), "<-> Ongeldige ingave!!  (HELP voor toelichting)");
-  EXPECT_EQ(veld(geen_min, 5), "    3");
+  EXPECT_EQ(veld(geen_min, 5), "3____");
 }
 
 TEST(VeldGetal, AmountsAreHundredthsAndSmallVariablesKeepTheirWidth) {
   Terminal t = getal<int32_t>("8B,JEP", 1250);
-  EXPECT_EQ(veld(t, 8), "   12.50");
+  EXPECT_EQ(veld(t, 8), "12.50___");
   t.type(string("3,07") + toets::Enter);
   EXPECT_EQ(veld(t, 8), "    3.07");
   EXPECT_UIT(t, true, false, 10, "307");
@@ -397,7 +397,7 @@ TEST(VeldHulp, TellsWhatTheFieldTakes) {
   EXPECT_EQ(t.row(25), "Ongeldige ingave");
   t.type(toets::Enter);
   EXPECT_FALSE(t.shows("HELP-informatie"));
-  EXPECT_EQ(veld(t, 6), "  1.50");
+  EXPECT_EQ(veld(t, 6), "1.50__");
   t.type(toets::Enter);
   EXPECT_UIT(t, false, false, 10, "1.5000");
   Terminal verzameling = tekst("1c[^.,]", "", 1);
