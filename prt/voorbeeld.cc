@@ -141,7 +141,7 @@ void blad_begin(Voorbeeld& v) {
 }
 
 void spring(Voorbeeld& v) {
-  const int blad = voorbeeld_vraag(txt(T_PRT_GA_NAAR), "", 4, 0, v.bladen.bladen);
+  const int blad = voorbeeld_vraag(txt(T_PRT_GA_NAAR), "", 4, 0);
   if (blad < 1) return;
   bladen_naar(v.bladen, blad);
   blad_begin(v);
@@ -149,12 +149,12 @@ void spring(Voorbeeld& v) {
 
 void voer_aantal() {
   const int n =
-      voorbeeld_vraag(txt(T_PRT_AANTAL_TITEL), txt(T_PRT_AANTAL_LABEL), 4, prt_rec.copies, 0);
+      voorbeeld_vraag(txt(T_PRT_AANTAL_TITEL), txt(T_PRT_AANTAL_LABEL), 4, prt_rec.copies);
   if (n > 0) prt_rec.copies = n;
 }
 
 void voer_kopregels(Voorbeeld& v, TrMenu* menu) {
-  const int n = voorbeeld_vraag(txt(T_PRT_KOP_TITEL), "", 4, head_lines, 0);
+  const int n = voorbeeld_vraag(txt(T_PRT_KOP_TITEL), "", 4, head_lines);
   if (n < 1) return;
   head_lines = n;
   menu_hernoem(menu, KOPREGELS);
@@ -163,7 +163,7 @@ void voer_kopregels(Voorbeeld& v, TrMenu* menu) {
 
 void voer_scroll(TrMenu* menu) {
   const int n =
-      voorbeeld_vraag(txt(T_PRT_SCROLL_TITEL), txt(T_PRT_SCROLL_LABEL), 3, scroll_step, 0);
+      voorbeeld_vraag(txt(T_PRT_SCROLL_TITEL), txt(T_PRT_SCROLL_LABEL), 3, scroll_step);
   if (n < 1) return;
   scroll_step = n;
   menu_hernoem(menu, INSTELLEN);

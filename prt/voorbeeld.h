@@ -19,6 +19,5 @@ void voorbeeld_teken(Voorbeeld& v, int kopregels);
 void voorbeeld_verder(Voorbeeld& v);
 /// Columns that stand on the right of the screen.
 int voorbeeld_over(const Voorbeeld& v);
-/// A window with a number of so many digits, 1 or more, `hoogste` at most (0: what fits). 0 on
-/// cancel.
-int voorbeeld_vraag(const char* titel, const char* label, int cijfers, int waarde, int hoogste);
+/// A window with a number of so many digits, 1 or more. 0 on cancel.
+int voorbeeld_vraag(const char* titel, const char* label, int cijfers, int waarde);

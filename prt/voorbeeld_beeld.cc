@@ -63,15 +63,11 @@ void voorbeeld_verder(Voorbeeld& v) {
 
 int voorbeeld_over(const Voorbeeld& v) { return std::max(0, v.breedte - scr_ctx->cols); }
 
-int voorbeeld_vraag(const char* titel, const char* label, int cijfers, int waarde, int hoogste) {
+int voorbeeld_vraag(const char* titel, const char* label, int cijfers, int waarde) {
   int16_t getal = static_cast<int16_t>(std::clamp(waarde, 0, 9999));
   const Venster venster(18, 41, 3, 40, 2);
   win_title("%s", titel);
   const int breed = *label == 0 ? 0 : scr_print(A_LABEL, 1, 2, "%s ", label);
-  if (hoogste > 0) {
-    scr_ctx->ing->min = 1;
-    scr_ctx->ing->max = hoogste;
-  }
   INGAVE(1, 2 + breed, str_format("%dd,P", cijfers).c_str(), &K_CANCEL, &getal);
   return weg_toets() ? 0 : getal;
 }
