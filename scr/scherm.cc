@@ -192,8 +192,12 @@ void term_neem(int index) {
 
 void scr_term_open(const char* naam) {
   if (scr_ctx == nullptr) return;
+  if (scr_ctx->win_count >= SCR_VENSTERS) scr_abort("win_open : %s", txt(T_TEVEEL_VENSTERS));
   const bool eerste = scr_ctx->term_cur < 0;
-  if (!eerste) term_verlaat();
+  if (!eerste) {
+    scr_error("");  // or it stands there for good when this terminal comes back
+    term_verlaat();
+  }
   int index = terminal_zoek(naam);
   if (index < 0) index = terminal_maak(naam);
   if (index < 0 && eerste) terminfo_onbekend(naam);

@@ -285,12 +285,15 @@ TEST(Afbreken, TheLastScreen) {
   for (const char* toets : {"x", "\x03", "\r"}) t.type(toets);
   EXPECT_EQ(t.exit_status(), 1);
 
-  Terminal diep = op_scherm([] {
-    for (;;) win_open1(2, 2, 3, 3);
-  });
-  EXPECT_TRUE(diep.shows("win_open : Teveel vensters open"));
-  diep.type("\r");
-  EXPECT_EQ(diep.exit_status(), 1);
+  for (const bool terminal : {false, true}) {
+    Terminal diep = op_scherm([terminal] {
+      while (!terminal || scr_ctx->win_count < SCR_VENSTERS) win_open1(2, 2, 3, 3);
+      scr_term_open("-w");  // brings a window of its own
+    });
+    EXPECT_TRUE(diep.shows("win_open : Teveel vensters open")) << diep.screen();
+    diep.type("\r");
+    EXPECT_EQ(diep.exit_status(), 1);
+  }
 
   Terminal dicht = start_in_child([] { ix_hooks = IX_HOOKS_KAAL, scr_abort("vroeg"); });
   EXPECT_TRUE(dicht.shows("PROGRAMMA AFGEBROKEN\nvroeg\nNeem contact op met de Support-groep"));
@@ -338,7 +341,9 @@ void naar_breed() {
   scr_print(A_WAARDE, 3, 1, "gewoon");
   win_open1(5, 5, 3, 20);
   win_title("venster");
+  scr_error("Van voor het andere scherm");
   scr_term_open("-w");
+  scr_error("");  // as every field does at its first key
   scr_print(A_WAARDE, 1, 1, "breed %d %d", scr_ctx->lines, scr_ctx->cols);
   scr_print(A_WAARDE, scr_ctx->lines, scr_ctx->cols - 4, "hoek");
   key_read(nullptr);
@@ -362,6 +367,7 @@ TEST(Terminals, WideWhereTheWindowFollows) {
     EXPECT_EQ(t.text(25, 128, 4), "hoek");
     t.type("x");
     EXPECT_EQ(t.row(3), "gewoon");
+    EXPECT_EQ(t.row(25), "");
     EXPECT_EQ(t.text(6, 5, 20), "│terug 80          │") << t.screen();
     const std::string& uit = t.output();  // the keypad mode comes behind what may undo it
     EXPECT_GT(uit.rfind("\x1b[?1h"), uit.rfind("\x1b[8;25;80t"));
@@ -382,6 +388,7 @@ TEST(Terminals, WideFallsBackWhereItDoesNot) {
   EXPECT_EQ(t.text(25, 76, 4), "hoek");
   t.type("x");
   EXPECT_EQ(t.row(3), "gewoon");
+  EXPECT_EQ(t.row(25), "");
   EXPECT_EQ(t.text(5, 5, 20), "┌─────venster──────┐");
   t.type("x");
   t.type(toets::Up);
