@@ -41,7 +41,7 @@ struct MenuKop {
 MenuKop* kop;
 Operatie laatst_gekozen[NIVEAUS];
 
-[[noreturn]] void menu_fout(int code) { scr_abort("%s: errno=%d", "MENUHDL", code); }
+[[noreturn]] void menu_fout(int code) { scr_abort("%s: errno=%d", "menuhdl", code); }
 
 void menu_vrij() {
   if (kop == nullptr) return;

@@ -190,7 +190,7 @@ TEST(Menu, AFaultOfTheProgramEndsItWithModuleAndCode) {
       menu_item(false, true, "zonder", nullptr);
       menu_run();
     });
-    EXPECT_TRUE(t.shows(niveau ? "MENUHDL: errno=101" : "MENUHDL: errno=102"));
+    EXPECT_TRUE(t.shows(niveau ? "menuhdl: errno=101" : "menuhdl: errno=102"));
     t.type(toets::Enter);
     EXPECT_EQ(t.exit_status(), 1);
   }
