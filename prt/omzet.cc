@@ -3,6 +3,7 @@
 // they are.
 #include <iconv.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -67,7 +68,7 @@ void prt_omzet() {
   if (code == nullptr || *code == 0) code = "UTF-8";
   if (std::strcmp(code, "CP850") == 0) return;
   omzetter = iconv_open((std::string(code) + "//TRANSLIT").c_str(), "CP850");
-  if (omzetter == reinterpret_cast<iconv_t>(-1)) return;
+  if (reinterpret_cast<intptr_t>(omzetter) == -1) return;
   prt_herschrijf(schrijf_letters);
   iconv_close(omzetter);
 }

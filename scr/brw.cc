@@ -282,14 +282,14 @@ bool brw_marked(const BrwRec* b, uint32_t id) {
 int brw_mark_add(BrwRec* b, uint32_t id) {
   if (merk_plaats(b, id) >= 0) return 1;
   if (b->mark_count == b->mark_size) {
-    const auto grootte = static_cast<size_t>(b->mark_size + MARKEN_ERBIJ);
-    void* const nieuw = realloc(b->marks, grootte * sizeof *b->marks);
+    const int32_t grootte = b->mark_size + MARKEN_ERBIJ;
+    void* const nieuw = realloc(b->marks, static_cast<size_t>(grootte) * sizeof *b->marks);
     if (nieuw == nullptr) {
       scr_error("%s", txt(T_BRW_GEEN_GEHEUGEN));
       return 0;
     }
     b->marks = static_cast<uint32_t*>(nieuw);
-    b->mark_size = static_cast<int32_t>(grootte);
+    b->mark_size = grootte;
   }
   b->marks[b->mark_count++] = id;
   return 1;

@@ -9,7 +9,7 @@ bool scr_kleuren() { return scr_ctx != nullptr && has_colors(); }
 bool scr_poort(bool aan) {
   if (scr_ctx == nullptr) return false;
   const char* reeks = tigetstr(aan ? "mc5" : "mc4");
-  if (reeks == nullptr || reeks == reinterpret_cast<const char*>(-1)) return false;
+  if (reeks == nullptr) return false;
   // Whatever curses still holds must be out before the port takes the bytes.
   if (aan) scr_flush(0);
   putp(reeks);

@@ -80,8 +80,8 @@ void veld_teken() {
   if (v.scrollt) {
     const auto van = std::min(static_cast<size_t>(veld_werk.schuif), beeld.size());
     druk(A_WAARDE, v.col, stuk(std::string_view(beeld).substr(van), v.zichtbaar));
-    const auto eind = static_cast<size_t>(veld_werk.schuif + v.zichtbaar);
-    pijlen(veld_werk.schuif > 0, !v.verborgen && veld_inhoud().size() > eind);
+    const int eind = veld_werk.schuif + v.zichtbaar;
+    pijlen(veld_werk.schuif > 0, !v.verborgen && std::ssize(veld_inhoud()) > eind);
   } else {
     druk(A_WAARDE, v.col, beeld);
   }
