@@ -162,8 +162,7 @@ void voer_kopregels(Voorbeeld& v, TrMenu* menu) {
 }
 
 void voer_scroll(TrMenu* menu) {
-  const int n =
-      voorbeeld_vraag(txt(T_PRT_SCROLL_TITEL), txt(T_PRT_SCROLL_LABEL), 3, scroll_step);
+  const int n = voorbeeld_vraag(txt(T_PRT_SCROLL_TITEL), txt(T_PRT_SCROLL_LABEL), 3, scroll_step);
   if (n < 1) return;
   scroll_step = n;
   menu_hernoem(menu, INSTELLEN);
