@@ -44,6 +44,16 @@ bool stap(BrwRec* b, int n) {
   }
   return true;
 }
+/// Stands on the first season of the lowest year from this one on; the file has an order of its
+/// own.
+void ga_naar(BrwRec* b, uint16_t jaar) {
+  const InkSys* beste = nullptr;
+  for (const InkSys& s : seizoenen) {
+    if (s.jaar >= jaar && (beste == nullptr || s.jaar < beste->jaar)) beste = &s;
+  }
+  if (beste != nullptr) b->current = static_cast<uint32_t>(beste - seizoenen.data());
+}
+
 void zoek(BrwRec* b) {
   const int rij = brw_search_row();
   uint16_t jaar = 0;
@@ -51,20 +61,17 @@ void zoek(BrwRec* b) {
   INGAVE(rij, kol, "4u,IZP", &jaar);
   if (scr_ctx->last_key == K_F3) scr_ctx->ing_result |= ING_LEEG;
   if (weg_toets() || (scr_ctx->ing_result & ING_LEEG) != 0) return;
-  for (uint32_t i = 0; i < seizoenen.size(); ++i) {
-    b->current = i;
-    if (seizoenen[i].jaar >= jaar) return;
-  }
+  ga_naar(b, jaar);
 }
 void kop(BrwRec*) {
-  scr_print(A_LABEL, 1, 1, " %-6.6s %-16.16s", txt(T_ZOEK_KOP_SEIZOEN), txt(T_ZOEK_KOP_OMS));
+  scr_print(A_LABEL, 1, 1, " %-7.7s %-16.16s", txt(T_ZOEK_KOP_SEIZOEN), txt(T_ZOEK_KOP_OMS));
 }
 const char* regel(BrwRec* b) {
   const InkSys& r = rec_van(b);
   char letter[3] = {r.seizoen, 0, 0};
   seizoen_vertaal(letter, true);
   const std::string code = str_format("%04u%c", r.jaar, letter[0] == 0 ? ' ' : letter[0]);
-  str_printf(scr_klad, sizeof scr_klad, "%-6.6s %-16.16s", code,
+  str_printf(scr_klad, sizeof scr_klad, "%-7.7s %-16.16s", code,
              veld_tekst(r.tekst, sizeof r.tekst));
   return scr_klad;
 }
@@ -72,6 +79,7 @@ const char* regel(BrwRec* b) {
 bool kies_seizoen(uint16_t* jaar, char* seizoen) {
   laad();
   BrwRec* b = brw_new(stap, zoek, kop, regel);
+  if (b != nullptr && *jaar != 0) ga_naar(b, *jaar);
   uint32_t keus = 0;
   if (!lijst_kies(b, txt(T_ZOEK_KOP_SEIZOEN), T_ZOEK_GEEN, &keus) || keus >= seizoenen.size())
     return false;
