@@ -131,7 +131,7 @@ TEST_F(Scheuren, ATornImageReachesNoSearch) {
   Scheur::begin(zaad);
   for (int n = 0; n < 2500 && !HasFailure(); ++n) {
     verander();
-    Scheur::aan(10 + n % 50);
+    Scheur::aan(static_cast<uint32_t>(10 + n % 50));
     for (int k = 0; k < 4 && !HasFatalFailure(); ++k) lees();
     if (n % 25 == 0) wandel(1 + n / 25 % 3);
     Scheur::aan(0);
