@@ -64,6 +64,7 @@ SelRegel regel_merk() {
       lees_merk(&merk, sel_rec.merk);
     return {str_format("%4u  %-4.4s %-.20s", sel_rec.merk, merk.zoeknaam, merk.naam), "", false};
   }
+  if (sel_wijze != SelWijze::scherm) return {sel_frase(CODE_MEERDERE), "", false};
   // The comma follows the number in the field; the phrase says what the list holds.
   return {str_format("%4u, ...  %s", sel_rec.merk, sel_frase(CODE_MEERDERE)), "", false};
 }

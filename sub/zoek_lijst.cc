@@ -40,6 +40,8 @@ bool key_lijst_stap(BrwRec* b, int n) {
     if (n == 0) return true;
   }
   int32_t nummer = static_cast<int32_t>(b->current);
+  // A skip of none goes on from a record that has gone; here it is an answer.
+  if (n == 0) return IXGET(l.icb, l.rec, nummer) == 1;
   const bool er = IXSKIP(l.icb, l.rec, 0, n, &nummer);
   b->current = static_cast<uint32_t>(nummer);
   return er;

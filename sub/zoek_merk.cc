@@ -100,10 +100,12 @@ void voeg_toe(ICB* gekozen, int32_t record_no, DtMerk* rec) {
   IXADDKEYS(gekozen, rec);
 }
 
-/// Marks in the list what the private index holds.
+/// Marks in the list what the private index holds, but for brands that have gone since.
 void markeer(BrwRec* b, ICB* gekozen) {
   DtMerk rec{};
   for (bool er = IXFIRSTK(gekozen, &rec, 1); er; er = IXNEXTK(gekozen, &rec, 1)) {
+    DtMerk merk{};
+    if (IXGET(dtmerk, &merk, gekozen->record_no) != 1 || merk.nummer != rec.nummer) continue;
     brw_mark_add(b, static_cast<uint32_t>(gekozen->record_no));
   }
 }

@@ -118,14 +118,15 @@ void doelgroep_zoek(BrwRec* b) {
   if (keuze == SELECTEREN) {
     scr_ctx->last_key = K_F3;
   } else if (keuze == WIJZIGEN || keuze == VERWIJDEREN) {
+    const DtDoelgr stond = doelgroep_rec;
     if (keuze == WIJZIGEN) {
       doelgroep_wijzig();
     } else {
       doelgroep_wis();
     }
     if (!key_lijst_stap(b, 0)) {
-      b->current = UINT32_MAX;
-      key_lijst_stap(b, 0);
+      doelgroep_rec = stond;
+      key_lijst_positie(b);
     }
     scr_ctx->last_key = TOETS_ENTER;
     scr_ctx->ing_result = 0;  // the page comes anew from here
