@@ -22,7 +22,7 @@ void voeg_toe(char (&tekst)[32], char item) {
 
 /// Edits the text until `neem` accepts it; `kies` gives the item of the list, 0 none.
 template <class Neem, class Kies>
-bool bewerk(int rij, const char* formaat, std::string tekst, Neem neem, Kies kies) {
+bool bewerk(int rij, const char* formaat, const std::string& tekst, Neem neem, Kies kies) {
   char buffer[32] = {};
   str_printf(buffer, VELD + 1, "%s", tekst);
   for (;;) {

@@ -1,6 +1,7 @@
 // Fields of several letters or digits as the operator types them: with commas between, and back.
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "isam/formaat.h"
 #include "sub/sel_intern.h"
@@ -73,8 +74,8 @@ void seizoen_vertaal(char seizoen[3], bool naar_scherm) {
   const char* naar = naar_scherm ? txt(T_SEL_LETTERS_SEIZOEN) : SEIZOENEN;
   const size_t lengte = std::min(strlen(van), strlen(naar));
   for (int i = 0; i < 2 && seizoen[i] != 0; ++i) {
-    const void* p = memchr(van, seizoen[i], lengte);
-    if (p != nullptr) seizoen[i] = naar[static_cast<const char*>(p) - van];
+    const size_t p = std::string_view(van, lengte).find(seizoen[i]);
+    if (p != std::string_view::npos) seizoen[i] = naar[p];
   }
   if (seizoen[0] == seizoen[1]) seizoen[1] = 0;
   seizoen[2] = 0;

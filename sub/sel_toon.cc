@@ -18,7 +18,7 @@ constexpr int FILIAAL_BREEDTE = 50;
 /// One end of a period at the default that its code names; short when only set fields are printed.
 std::string fase(uint8_t code, char letter) {
   const char* frase = sel_frase(code);
-  const std::string datum = date_plain(sel_datum(code));
+  std::string datum = date_plain(sel_datum(code));
   switch (code) {
     case CODE_EERSTE:
       if (sel_wijze == SelWijze::gezet) return datum;
