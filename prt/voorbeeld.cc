@@ -38,27 +38,27 @@ enum Item : int {
 
 struct Rij {
   int id;
+  int toets;  // second key
   const Tekst* tekst;
-  int toets;          // second key
   const int* waarde;  // shown behind the text
 };
 constexpr int F4 = TOETS_F1 + 3, F6 = TOETS_F1 + 5;
 const Rij RIJEN[] = {
-    {VORIG, &T_PRT_VORIG, TOETS_PGUP, nullptr},
-    {VOLGEND, &T_PRT_VOLGEND, TOETS_PGDN, nullptr},
-    {SCHERM, &T_PRT_SCHERM, TOETS_ENTER, nullptr},
-    {SPRING, &T_PRT_SPRING, F6, nullptr},
-    {KOP_SCROLLEN, &T_PRT_SCROLLEN, 0, nullptr},
-    {EERSTE, &T_PRT_EERSTE, TOETS_HOME, nullptr},
-    {LAATSTE, &T_PRT_LAATSTE, TOETS_END, nullptr},
-    {LINKS, &T_PRT_LINKS, TOETS_LEFT, nullptr},
-    {RECHTS, &T_PRT_RECHTS, TOETS_RIGHT, nullptr},
-    {INSTELLEN, &T_PRT_INSTELLEN, 0, &scroll_step},
-    {AANTAL, &T_PRT_AANTAL, F4, nullptr},
-    {KOPREGELS, &T_PRT_KOPREGELS, 0, &head_lines},
-    {KOP_EINDE, &T_PRT_EINDE, 0, nullptr},
-    {PRINTEN, &T_PRT_PRINTEN, 0, nullptr},
-    {NIET_PRINTEN, &T_PRT_NIET_PRINTEN, 0, nullptr},
+    {VORIG, TOETS_PGUP, &T_PRT_VORIG, nullptr},
+    {VOLGEND, TOETS_PGDN, &T_PRT_VOLGEND, nullptr},
+    {SCHERM, TOETS_ENTER, &T_PRT_SCHERM, nullptr},
+    {SPRING, F6, &T_PRT_SPRING, nullptr},
+    {KOP_SCROLLEN, 0, &T_PRT_SCROLLEN, nullptr},
+    {EERSTE, TOETS_HOME, &T_PRT_EERSTE, nullptr},
+    {LAATSTE, TOETS_END, &T_PRT_LAATSTE, nullptr},
+    {LINKS, TOETS_LEFT, &T_PRT_LINKS, nullptr},
+    {RECHTS, TOETS_RIGHT, &T_PRT_RECHTS, nullptr},
+    {INSTELLEN, 0, &T_PRT_INSTELLEN, &scroll_step},
+    {AANTAL, F4, &T_PRT_AANTAL, nullptr},
+    {KOPREGELS, 0, &T_PRT_KOPREGELS, &head_lines},
+    {KOP_EINDE, 0, &T_PRT_EINDE, nullptr},
+    {PRINTEN, 0, &T_PRT_PRINTEN, nullptr},
+    {NIET_PRINTEN, 0, &T_PRT_NIET_PRINTEN, nullptr},
 };
 static_assert(std::size(RIJEN) <= 22);
 
