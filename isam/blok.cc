@@ -41,6 +41,34 @@ int32_t wacht_op_groei(ICB* icb, int32_t blok, int sleutel) {
 
 }  // namespace
 
+bool ix_lees_blok(ICB* icb, int32_t blok) {
+  const int sleutel = ix_huidig(icb);
+  if (icb->cached != 0) {
+    IOCACHE('R', icb, blok);
+    keur(icb, sleutel);
+  } else {
+    if (icb->busy != 0 || blok < 0) ix_kapot(icb);
+    const bool heel = icb->mode == IX_EXCLUSIEF && icb->file_locked != 0;
+    const bool bekend = heel && ix_weg_blok(icb, blok);
+    const int64_t plaats = ix_blokplaats(blok);
+    const void* oud = icb->block_no == blok ? &icb->block : nullptr;
+    const int64_t n = bekend ? IX_BLOK
+                      : ix_alleen(icb)
+                          ? io_lees(icb->index_fd, &icb->block, IX_BLOK, plaats)
+                          : io_lees_heel(icb->index_fd, &icb->block, IX_BLOK, plaats, oud);
+    icb->block_no = blok;
+    if (n != IX_BLOK) {
+      icb->block = IxBlok{};
+      icb->block.key_number = static_cast<int8_t>(sleutel);
+      return false;
+    }
+    keur(icb, sleutel);
+    if (!bekend) ix_weg_onthoud(icb, blok);
+  }
+  if (blok != icb->key_count + 1) onthoud_pad(icb, blok);
+  return true;
+}
+
 void IXRDIX(ICB* icb, int32_t blok) {
   ix_test(icb, "IXRDIX");
   if (blok == 0) {
@@ -48,23 +76,7 @@ void IXRDIX(ICB* icb, int32_t blok) {
     return;
   }
   const int sleutel = ix_huidig(icb);
-  if (icb->cached != 0) {
-    IOCACHE('R', icb, blok);
-  } else {
-    if (icb->busy != 0 || blok < 0) ix_kapot(icb);
-    for (;;) {
-      const int64_t plaats = ix_blokplaats(blok);
-      const void* oud = icb->block_no == blok ? &icb->block : nullptr;
-      const int64_t n = ix_alleen(icb)
-                            ? io_lees(icb->index_fd, &icb->block, IX_BLOK, plaats)
-                            : io_lees_heel(icb->index_fd, &icb->block, IX_BLOK, plaats, oud);
-      icb->block_no = blok;
-      if (n == IX_BLOK) break;
-      blok = wacht_op_groei(icb, blok, sleutel);
-    }
-  }
-  keur(icb, sleutel);
-  if (blok != icb->key_count + 1) onthoud_pad(icb, blok);
+  while (!ix_lees_blok(icb, blok)) blok = wacht_op_groei(icb, blok, sleutel);
 }
 
 void IXWRIX(ICB* icb, int32_t blok) {
@@ -73,8 +85,10 @@ void IXWRIX(ICB* icb, int32_t blok) {
     ix_kop_schrijf(icb);
   else if (icb->cached != 0)
     IOCACHE('W', icb, blok);
-  else
+  else {
     io_schrijf(icb->index_fd, &icb->block, IX_BLOK, ix_blokplaats(blok));
+    ix_weg_onthoud(icb, blok);
+  }
 }
 
 namespace {
@@ -117,6 +131,7 @@ void ix_kap_index(ICB* icb) {
   ix_kop_schrijf(icb);
   icb->busy = 0;
   io_kap(icb->index_fd, IX_BLOK);
+  ix_weg_wis(icb->index_fd);
 }
 
 void ix_kop_open(ICB* icb) {

@@ -165,36 +165,46 @@ int32_t IXFINDBLK(ICB* icb, char op, int lengte) {
 
 namespace {
 
-/// Which block a search without locks reads first. The buffered block itself, if the key was inside
-/// it: the search may well end there. For a step over its end the parent, for anything else the
-/// root: each descent from an ancestor ends in the same leaf, and climbing level by level would
-/// read the way twice. A step back stays where the search before it stopped.
-int32_t begin_blok(const ICB* icb, char op, int lengte) {
+/// Where a search begins. The buffered leaf, read again, if the key was inside it: the search may
+/// well end there. For a step over its end the parent. For anything else the leaf that signposts
+/// lead to, or the root: each descent from an ancestor ends in the same leaf, and climbing level by
+/// level would read the way twice. A step back stays where the search before it stopped.
+void begin(ICB* icb, char op, int lengte) {
   const IxBlok& b = icb->block;
-  if (op == '<' || b.level != 1 || b.count <= 0 || icb->block_no <= icb->key_count ||
-      ix_in_blok(icb, op, lengte))
-    return icb->block_no;
-  const int32_t hoger = ouder(icb);
-  const bool stap = op == '>' && hoger > icb->key_count && vergelijk(icb, b.count - 1, lengte) == 0;
-  return stap ? hoger : ix_huidig(icb);
+  const int sleutel = ix_huidig(icb);
+  const bool blad = b.level == 1 && b.count > 0;
+  if (op == '<' || (blad && ix_in_blok(icb, op, lengte))) {
+    if (!ix_alleen(icb)) IXRDIX(icb, icb->block_no);
+  } else {
+    const int32_t hoger = ouder(icb);
+    const bool stap = blad && op == '>' && hoger != -1 && vergelijk(icb, b.count - 1, lengte) == 0;
+    if (stap)
+      IXRDIX(icb, hoger >= 1 ? hoger : sleutel);
+    else if (!ix_weg_spring(icb, op, lengte))
+      IXRDIX(icb, sleutel);
+  }
+  if (icb->block.key_number != sleutel) IXRDIX(icb, sleutel);
 }
 
 }  // namespace
 
 int32_t IXSEARCH(ICB* icb, char op, int length) {
   ix_test(icb, "IXSEARCH");
-  const int sleutel = ix_huidig(icb);
   if (icb->kop_slot == 1) {
-    IXRDIX(icb, sleutel);
+    IXRDIX(icb, ix_huidig(icb));
     icb->kop_slot = 2;
-  } else if (!ix_alleen(icb)) {
-    IXRDIX(icb, begin_blok(icb, op, length));
-    if (icb->block.key_number != sleutel) IXRDIX(icb, sleutel);
+  } else if (icb->kop_slot == 0) {
+    begin(icb, op, length);
   }
   // A step back is only sound inside the leaf that a search for the same key has found.
   if (op == '<' && icb->block.level != 1) return -1;
   klim(icb, op, length);
   return daal(icb, op, length);
+}
+
+int32_t ix_zoek_blad(ICB* icb, char op, int lengte) {
+  if (icb->kop_slot != 1 || !ix_weg_spring(icb, op, lengte)) return IXSEARCH(icb, op, lengte);
+  return IXFINDBLK(icb, op, lengte);
 }
 
 void IXSWITCH(ICB* icb, int key_number) {
@@ -297,8 +307,35 @@ bool IXDELKEY(ICB* icb, int32_t wijzer) {
   }
 }
 
+namespace {
+
+/// Inside the header lock a handle's parents date from before it; a change starts from the root of
+/// its key. But a leaf that has the key between its first and last entry is the right one however
+/// it was found, and what stays inside it touches no parent: then the leaf alone is read.
+bool in_blad(ICB* icb, int lengte) { return icb->kop_slot == 1 && ix_weg_spring(icb, '=', lengte); }
+
+/// Makes key k current for a change. Under the header lock its root need not be read for that.
+void naar_sleutel(ICB* icb, int k) {
+  if (icb->kop_slot == 0) {
+    IXSWITCH(icb, k);
+    return;
+  }
+  icb->kop_slot = 1;
+  if (k == icb->block.key_number) return;
+  icb->block.key_number = static_cast<int8_t>(k);
+  icb->block.level = 0;
+  icb->block.count = 0;
+  icb->block_no = k;
+}
+
+}  // namespace
+
 void ix_zet_sleutel(ICB* icb) {
-  IXSEARCH(icb, '=', ix_sleutel(icb).key_length);
+  const IxSleutel& s = ix_sleutel(icb);
+  if (in_blad(icb, s.key_length) && icb->block.count + 1 < s.max_entries)
+    IXLOCKEY(icb, s.key_length);
+  else
+    IXSEARCH(icb, '=', s.key_length);
   if (icb->block.level != 1 || ix_gevonden(icb) == nullptr) ix_kapot(icb);
   icb->new_pointer = icb->record_no;
   IXINSKEY(icb);
@@ -323,22 +360,37 @@ void ix_schuif_in(ICB* icb, const void* rec, int32_t recno) {
 
 void ix_voeg_sleutels(ICB* icb, const void* rec) {
   for (int k = 1; k <= icb->key_count; ++k) {
-    IXSWITCH(icb, k);
+    naar_sleutel(icb, k);
     IXBLDKEY(icb, rec, ix_sleutel(icb).key_length);
     ix_zet_sleutel(icb);
   }
-  IXSWITCH(icb, 1);
+  naar_sleutel(icb, 1);
   IXBLDKEY(icb, rec, ix_sleutel(icb).key_length);
+}
+
+bool ix_neem_sleutel(ICB* icb) {
+  const int lengte = ix_sleutel(icb).key_length;
+  // Without the last entry the parent's key for the leaf would be another.
+  if (!in_blad(icb, lengte) || vergelijk(icb, icb->block.count - 1, lengte) >= 0)
+    IXSEARCH(icb, '=', lengte);
+  return icb->block.level == 1 && IXDELKEY(icb, icb->record_no);
+}
+
+void ix_wissel_sleutel(ICB* icb, int k, const uint8_t* voor, const uint8_t* na) {
+  naar_sleutel(icb, k);
+  memcpy(icb->key_buf, voor, sizeof icb->key_buf);
+  ix_neem_sleutel(icb);
+  naar_sleutel(icb, k);
+  memcpy(icb->key_buf, na, sizeof icb->key_buf);
+  ix_zet_sleutel(icb);
 }
 
 bool ix_wis_sleutels(ICB* icb, const void* rec) {
   bool weg = false;
   for (int k = icb->key_count; k >= 1; --k) {
-    IXSWITCH(icb, k);
-    const int lengte = ix_sleutel(icb).key_length;
-    IXBLDKEY(icb, rec, lengte);
-    IXSEARCH(icb, '=', lengte);
-    weg = icb->block.level == 1 && IXDELKEY(icb, icb->record_no);
+    naar_sleutel(icb, k);
+    IXBLDKEY(icb, rec, ix_sleutel(icb).key_length);
+    weg = ix_neem_sleutel(icb);
   }
   return weg;
 }

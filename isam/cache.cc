@@ -121,6 +121,7 @@ void schrijf_alles(const ICB* icb) {
 
 void einde(ICB* icb) {
   schrijf_alles(icb);
+  ix_weg_wis(icb->index_fd);
   icb->cached = 0;
   free(v.geheugen);
   v = Voorraad{};

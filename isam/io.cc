@@ -46,8 +46,8 @@ alignas(64) uint8_t lezing_b[STUK];
 // starts without any. A place that another takes over only costs its next reader one more read.
 constexpr size_t AFDRUKKEN = size_t{1} << 17, BESTANDEN = 256;
 uint64_t afdrukken[AFDRUKKEN];
-uint64_t opening[BESTANDEN];  // by descriptor: the count of opens when it was opened
-uint64_t openingen;
+uint32_t opening[BESTANDEN];  // by descriptor: the count of opens when it was opened
+uint32_t openingen;
 
 uint64_t meng(uint64_t a, uint64_t b) {
   __extension__ using u128 = unsigned __int128;
@@ -65,8 +65,7 @@ constexpr uint64_t ZOUT[] = {0xA0761D6478BD642Fu, 0xE7037ED1A0B428DBu, 0x8EBC6AF
                              0x589965CC75374CC3u};
 
 uint64_t plaatscode(int fd, int64_t offset, size_t n) {
-  const uint64_t bestand =
-      opening[static_cast<size_t>(fd) % BESTANDEN] << 32 ^ static_cast<uint64_t>(fd) << 20 ^ n;
+  const uint64_t bestand = uint64_t{io_opening(fd)} << 32 ^ static_cast<uint64_t>(fd) << 20 ^ n;
   return meng(static_cast<uint64_t>(offset) ^ ZOUT[0], bestand ^ ZOUT[1]);
 }
 
@@ -139,6 +138,8 @@ bool io_bekend(const char* pad, int* fd) noexcept {
   if (fd != nullptr) *fd = r->fd;
   return true;
 }
+
+uint32_t io_opening(int fd) noexcept { return opening[static_cast<size_t>(fd) % BESTANDEN]; }
 
 int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept {
   auto* doel = static_cast<uint8_t*>(buffer);

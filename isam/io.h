@@ -19,6 +19,9 @@ void io_close(int fd) noexcept;
 /// True while the process has the file of `pad` open through io_open; its descriptor in *fd.
 bool io_bekend(const char* pad, int* fd) noexcept;
 
+/// Tells files apart that had the same descriptor after each other.
+uint32_t io_opening(int fd) noexcept;
+
 /// Bytes read, short at the end of file; -1 with errno. EINTR is retried.
 int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept;
 /// As io_lees, for 512-byte blocks that another process may be writing: two reads agree.

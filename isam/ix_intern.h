@@ -83,6 +83,8 @@ inline bool ix_alleen(const ICB* icb) {
 // -----------------------------------------------------------------------------------------------
 
 void IXRDIX(ICB*, int32_t blok);
+/// The same for one try; false when the file does not hold the block, with the buffer empty.
+bool ix_lees_blok(ICB*, int32_t blok);
 void IXWRIX(ICB*, int32_t blok);
 /// Sets `entry` to the first entry at or above key_buf; `gelijk` tells whether it equals it.
 int IXLOCKEY(ICB*, int lengte, bool* gelijk = nullptr);
@@ -92,12 +94,28 @@ void IXINSKEY(ICB*);
 bool IXDELKEY(ICB*, int32_t wijzer);
 /// The key lies between the first and last entry of the buffered block.
 bool ix_in_blok(const ICB* icb, char op, int lengte);
-/// Puts key_buf with record_no into the current key's tree.
+/// Puts key_buf with record_no into the current key's tree; takes it out, false when it is not
+/// there.
 void ix_zet_sleutel(ICB* icb);
+bool ix_neem_sleutel(ICB* icb);
+/// Image `voor` of key k, 60 bytes, gives way to `na`.
+void ix_wissel_sleutel(ICB* icb, int k, const uint8_t* voor, const uint8_t* na);
 /// The same as a rebuild does it: from the leaf in the buffer, or else from the root.
 void ix_schuif_in(ICB* icb, const void* rec, int32_t recno);
 void ix_voeg_sleutels(ICB* icb, const void* rec);
 bool ix_wis_sleutels(ICB* icb, const void* rec);
+
+/// What the process remembers of index blocks; see isam/wegwijs.cc. `onthoud` takes the buffer as
+/// block `blok`; `blok` gives one back, which is only what the file holds while the handle has the
+/// whole file; `spring` reads the leaf that should hold key_buf, false when it does not: then the
+/// buffer may hold anything. `wis` forgets all of a file.
+void ix_weg_onthoud(const ICB*, int32_t blok);
+bool ix_weg_blok(ICB*, int32_t blok);
+bool ix_weg_spring(ICB*, char op, int lengte);
+void ix_weg_wis(int fd) noexcept;
+/// A search that changes nothing afterwards, where the header lock is held: the way need not be
+/// sound, only the leaf.
+int32_t ix_zoek_blad(ICB*, char op, int lengte);
 
 inline uint8_t* ix_plaats(ICB* icb, int nr, int breed) { return icb->block.entries + nr * breed; }
 inline const uint8_t* ix_plaats(const ICB* icb, int nr, int breed) {

@@ -17,12 +17,7 @@ void wissel_sleutel(ICB* icb, int k, const uint8_t* oud, const void* rec) {
   ix_beeld(icb, s, rec, s.key_length, icb->record_no, na);
   ix_beeld(icb, s, oud, s.key_length, icb->record_no, voor);
   if (ix_vergelijk(s, voor, na, s.key_length) == 0) return;
-  IXSWITCH(icb, k);
-  memcpy(icb->key_buf, voor, sizeof voor);
-  IXSEARCH(icb, '=', s.key_length);
-  if (icb->block.level == 1) IXDELKEY(icb, icb->record_no);
-  memcpy(icb->key_buf, na, sizeof na);
-  ix_zet_sleutel(icb);
+  ix_wissel_sleutel(icb, k, voor, na);
 }
 
 /// A change of the record in record_no, inside the header protocol.
@@ -74,7 +69,8 @@ bool schrijf(ICB* icb, void* rec, bool los) {
   // The protocol begins before the search: while another process moves an entry from block to block
   // a search without the lock can miss it, and the record would enter a second time.
   if (gedeeld) ix_kop_open(icb);
-  const bool er = IXEXISTS(icb, rec);
+  IXBLDKEY(icb, rec, icb->keys[0].key_length);
+  const bool er = (icb->record_no = ix_zoek_blad(icb, '=', icb->keys[0].key_length)) >= 0;
   const bool vol = !er && (icb->next_block > 2147483644 || icb->record_count == INT32_MAX);
   bool goed = !vol;
   if (er)
@@ -104,7 +100,7 @@ int32_t zoek_zeker(ICB* icb, int lengte) {
   if (gezien >= 0 || ix_alleen(icb)) return gezien;
   IXLOCK(icb, 2);
   icb->kop_slot = 1;
-  const int32_t zeker = IXSEARCH(icb, '=', lengte);
+  const int32_t zeker = ix_zoek_blad(icb, '=', lengte);
   icb->kop_slot = 0;
   IXLOCK(icb, 12);
   return zeker;

@@ -70,6 +70,7 @@ bool heel_bestand(ICB* icb) {
     ix_hooks.wacht(icb);
   }
   icb->file_locked = 1;
+  ix_weg_wis(icb->index_fd);  // from here on what is remembered is what the file holds
   return true;
 }
 
