@@ -68,6 +68,7 @@ std::string modelnaam(const KetenArtikel& a, Bron& b) {
   naam += een(b, MIDDEN);
   naam += een(b, STAARTEN);
   while (naam.size() < 6) naam += "a";
+  str_upper(naam.data());  // as the field of the model lets it be typed
   return naam.substr(0, 12);
 }
 
