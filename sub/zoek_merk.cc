@@ -88,7 +88,7 @@ int tel(ICB* gekozen) {
 }
 
 int32_t merken_in_bestand() {
-  const int sleutel = dtmerk->block.key_number;
+  const int8_t sleutel = dtmerk->block.key_number;
   IXSWITCH(dtmerk, 1);
   const int aantal = tel(dtmerk);
   IXSWITCH(dtmerk, sleutel);

@@ -22,7 +22,7 @@ uint16_t merk_nu;
 void vul_index(uint16_t merk) {
   index_ = sort_maak(privaat.s, "RMAKV");
   DtSer rec{};
-  const int sleutel = dtser->block.key_number;
+  const int8_t sleutel = dtser->block.key_number;
   IXSWITCH(dtser, KEY_MERK);
   rec.merk = merk;
   for (bool er = IXFIRSTR(dtser, &rec, 1); er && !scr_interrupted(); er = IXNEXT(dtser, &rec, 1)) {
