@@ -48,8 +48,8 @@ std::string opdracht(const std::vector<std::string>& woorden) {
 [[noreturn]] void in_tmux(const std::vector<std::string>& woorden) {
   execlp("tmux", "tmux", "-L", "winkel", "new", "-x", "80", "-y", "25", opdracht(woorden).c_str(),
          ";", "set", "status", "off", ";", "set", "-w", "window-size", "manual", ";",
-         "resize-window", "-x", "80", "-y", "25", ";", "set", "-s", "escape-time", "25",
-         static_cast<char*>(nullptr));
+         "resize-window", "-x", "80", "-y", "25", ";", "set", "-s", "escape-time", "25", ";", "set",
+         "destroy-unattached", "on", static_cast<char*>(nullptr));
   fprintf(stderr, "%s\n", txt(T_GEEN_TMUX));
   exit(1);
 }

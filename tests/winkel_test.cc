@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -429,6 +430,21 @@ TEST(WinkelTerminal, AFrameForASmallWindow) {
   EXPECT_EQ(terminal(k.pad, 1).status, 1);
   met.type_now(toets::Esc);
   EXPECT_EQ(met.exit_status(), 0);
+
+  // The line goes away: what ran in the frame must not go on holding its locks.
+  Terminal weg = start({BUILD_DIR "/tools/winkel", "terminal", "-C", k.pad, "sh", "-c",
+                        "echo $$ >nr; mv nr pid; exec sleep 600"},
+                       {.env = env, .rows = 24});
+  weg.type("J\r");
+  const auto tot = [](const auto& klaar) {
+    for (int i = 0; i < 1000 && !klaar(); ++i) usleep(20000);
+    return klaar();
+  };
+  ASSERT_TRUE(tot([&] { return fs::exists(k.pad + "/pid"); }));
+  const pid_t pid = std::stoi(bytes(k.pad + "/pid"));
+  EXPECT_EQ(kill(pid, 0), 0);
+  weg.hang_up();
+  EXPECT_TRUE(tot([pid] { return kill(pid, 0) != 0; }));
 }
 
 TEST(WinkelTerminal, RunsAProgramInAnUtf8Locale) {
