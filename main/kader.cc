@@ -37,7 +37,8 @@ std::string aangehaald(const std::string& woord) {
 
 std::string opdracht(const std::vector<std::string>& woorden) {
   std::string regel = std::string("exec env ") + IN_KADER + "=1";
-  for (const char* naam : {"LANG", "TSTBIN", "BIN", "NLSPATH", "KOBPRT", "KPOS"}) {
+  for (const char* naam : {"LANG", "TSTBIN", "BIN", "NLSPATH", "KOBPRT", "KOBPRTCODE", "KPOS",
+                           "COMMIT", "MAXFMT", "SYSBUF", "MAXSYSBUF", "TERMINFO_DIRS"}) {
     if (const char* waarde = getenv(naam); waarde != nullptr)
       regel += " " + aangehaald(std::string(naam) + "=" + waarde);
   }
