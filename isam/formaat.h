@@ -26,11 +26,12 @@ struct Arg {
 
   constexpr Arg(char c) : soort(Soort::teken), i(static_cast<unsigned char>(c)) {}
   template <class T>
-    requires(std::is_integral_v<T> && std::is_signed_v<T> && !std::is_same_v<T, char>)
-  constexpr Arg(T v) : soort(Soort::getal), i(v) {}
+  requires(std::is_integral_v<T>&& std::is_signed_v<T> &&
+           !std::is_same_v<T, char>) constexpr Arg(T v)
+      : soort(Soort::getal), i(v) {}
   template <class T>
-    requires(std::is_integral_v<T> && std::is_unsigned_v<T>)
-  constexpr Arg(T v) : soort(Soort::natuurlijk), u(v) {}
+  requires(std::is_integral_v<T>&& std::is_unsigned_v<T>) constexpr Arg(T v)
+      : soort(Soort::natuurlijk), u(v) {}
   constexpr Arg(double v) : soort(Soort::breuk), f(v) {}
   constexpr Arg(float v) : soort(Soort::breuk), f(static_cast<double>(v)) {}
   constexpr Arg(const char* v) : soort(Soort::tekst), s(v == nullptr ? "" : v) {}

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #pragma pack(push, 1)
-struct FiliaalRec {              // 612 bytes
-  char naam[32];                 // plain in memory, scrambled on disk; slot 0 is the company
+struct FiliaalRec {  // 612 bytes
+  char naam[32];     // plain in memory, scrambled on disk; slot 0 is the company
   char adres[30];
   char plaats[25];
   uint8_t leeg87[221];
@@ -27,7 +27,7 @@ void pairs_load();
 void pairs_free();
 bool pairs_any();
 int pairs_count();
-bool pairs_of_branch(int filiaal);          // 255 any
+bool pairs_of_branch(int filiaal);  // 255 any
 bool pair_exists(int filiaal, int kassa);
 void pair_send(int filiaal, int kassa, char type, const char* tekst);
 bool pairs_send_all(int filiaal, int kassa, char type, const char* tekst);

@@ -1,12 +1,13 @@
-// DTSYS.TXT, the one non-keyed file of the system: numbered records of a few tables, read and written
-// through one routine with action letters. The open descriptor also carries the locks of the terminal
-// records and the work-exclusion bands, so it is opened once and stays open from first to last.
+// DTSYS.TXT, the one non-keyed file of the system: numbered records of a few tables, read and
+// written through one routine with action letters. The open descriptor also carries the locks of
+// the terminal records and the work-exclusion bands, so it is opened once and stays open from first
+// to last.
 #pragma once
 
 #include <cstdint>
 
 struct SysTabel {
-  int32_t basis;    // offset of record 1
+  int32_t basis;  // offset of record 1
   int32_t aantal;
   int32_t lengte;
 };
@@ -24,11 +25,12 @@ inline constexpr SysTabel SYS_SUB20{65460, 100, 20};
 inline constexpr SysTabel SYS_SUB52{67460, 100, 52};
 inline constexpr int64_t SYS_GROOTTE = 72660;
 
-/// 'O' open, 'C' close, 'R' read, 'N' next, 'P' previous, 'F' first from here, 'W' write and unlock,
-/// 'w' write and keep the lock, 'D' delete, 'X' lock (waits, two seconds a round) and read, 'T' lock
-/// test, 'U' unlock. A record of zeros reads as false although the bytes are in the buffer (and under
-/// 'X' locked). A number out of range gives false; writes of one do nothing.
-bool iotab(char actie, int32_t* nummer, void* buffer, int32_t basis, int32_t aantal, int32_t lengte);
+/// 'O' open, 'C' close, 'R' read, 'N' next, 'P' previous, 'F' first from here, 'W' write and
+/// unlock, 'w' write and keep the lock, 'D' delete, 'X' lock (waits, two seconds a round) and read,
+/// 'T' lock test, 'U' unlock. A record of zeros reads as false although the bytes are in the buffer
+/// (and under 'X' locked). A number out of range gives false; writes of one do nothing.
+bool iotab(char actie, int32_t* nummer, void* buffer, int32_t basis, int32_t aantal,
+           int32_t lengte);
 inline bool iotab(char actie, int32_t* nummer, void* buffer, const SysTabel& t) {
   return iotab(actie, nummer, buffer, t.basis, t.aantal, t.lengte);
 }

@@ -49,4 +49,3 @@ void prt_platen_weg();
 void prt_omzet();
 /// Rewrites the spool file: `schrijf` gets the old one from its start. False leaves it as it was.
 bool prt_herschrijf(bool (*schrijf)(FILE* van, FILE* naar));
-

@@ -12,7 +12,8 @@ void veld_begin();
 /// Frees them; scr_ctx is still there. Safe when veld_begin never ran.
 void veld_eind();
 
-// Screen (scr/venster, scr/uit) --------------------------------------------------------------------
+// Screen (scr/venster, scr/uit)
+// --------------------------------------------------------------------
 
 /// True when nothing may be drawn: no screen, or output_off.
 bool scr_stil();
@@ -38,10 +39,11 @@ struct OpBasis {
   int bewaard;
 };
 
-// Keys (scr/toets) -----------------------------------------------------------------------------------
+// Keys (scr/toets)
+// -----------------------------------------------------------------------------------
 
-/// One decoded key read on a WINDOW*; waits when `ms` is negative, else that long at most (-1: none).
-/// A terminal that is gone ends the program.
+/// One decoded key read on a WINDOW*; waits when `ms` is negative, else that long at most (-1:
+/// none). A terminal that is gone ends the program.
 int toets_lees(void* window, int ms);
 /// First byte of the terminal's own string for key 355 (kcan), 361 (kext) or 363 (khlp); 0 when the
 /// terminal has none.
@@ -56,7 +58,8 @@ bool toets_in_stapel();
 bool macro_speelt();
 void macro_speel(bool aan);
 
-// Messages ---------------------------------------------------------------------------------------------
+// Messages
+// ---------------------------------------------------------------------------------------------
 
 /// Back to the state of a fresh screen: nothing busy, no message, refresh once a second.
 void uit_begin();
