@@ -28,8 +28,7 @@ const char* date_show_long(uint16_t nummer);  // DD-MM-JJJJ
 const char* date_plain(uint16_t nummer);      // DDMMJJ
 const char* time_show(int32_t nummer);        // HH:MM:SS, a static buffer of its own
 
-// Text, in place, positions from 0
-// ------------------------------------------------------------------
+// Text, in place, positions from 0 ----------------------------------------------------------------
 
 void str_cut(char* tekst, int positie, int aantal);
 void str_put(char* tekst, char teken, int positie);
@@ -59,8 +58,7 @@ void UNSCRAMBLE(char* tekst);
 /// The plain text of a scrambled field of n bytes; empty for an empty field.
 std::string unscramble_veld(const char* veld, size_t n);
 
-// Code page 850
-// ---------------------------------------------------------------------------------------
+// Code page 850 -----------------------------------------------------------------------------------
 
 /// UTF-8 of one byte (control bytes as they are); the code point; the byte of a code point, 0 if
 /// none.
@@ -70,8 +68,7 @@ uint8_t cp850_byte(char32_t punt) noexcept;
 /// Bytes of an UTF-8 text; a character outside the code page becomes '?' and clears *geheel.
 std::string utf8_cp850(std::string_view utf8, bool* geheel = nullptr);
 
-// Numbers and money
-// -----------------------------------------------------------------------------------
+// Numbers and money -------------------------------------------------------------------------------
 
 /// Edits a value by a picture of '9', 'Z', '*', ' ', '.', ','; one sign character is added behind.
 std::string num_picture(std::string_view plaatje, double waarde);
@@ -83,8 +80,7 @@ int32_t money_whole(int32_t waarde);                  // cents to units, half aw
 int32_t percent_add(int32_t waarde, int32_t promille);
 int32_t percent_strip(int32_t waarde, int32_t promille);
 
-// Files
-// -----------------------------------------------------------------------------------------------
+// Files -------------------------------------------------------------------------------------------
 
 bool file_exists(const char* pad);
 int64_t file_size(const char* pad);  // -1 if absent
@@ -106,8 +102,7 @@ bool file_line(FILE* bestand, char* buffer, int grootte);
 const char* DIRECTORY(char actie, const char* patroon, bool recursief);
 bool wild_past(const char* patroon, const char* naam) noexcept;
 
-// Check digits
-// ----------------------------------------------------------------------------------------
+// Check digits ------------------------------------------------------------------------------------
 
 /// EAN-8 and EAN-13: weights 1 and 3 alternating from the right over all digits; true when the sum
 /// is a multiple of ten. False for anything but digits.

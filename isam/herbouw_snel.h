@@ -24,8 +24,7 @@ struct Ruimte {
   }
 };
 
-// Images and their order
-// ------------------------------------------------------------------------
+// Images and their order --------------------------------------------------------------------------
 
 /// One field of an image.
 struct BeeldStap {
@@ -67,8 +66,7 @@ bool bouw_sorteer(SleutelBouw& b, size_t aantal, int nummerbits, uint64_t* hulp)
 /// Orders `aantal` numbers by `bits` bits from bit `laag` on, keeping the order of equals.
 void radix(uint64_t* p, uint64_t* hulp, size_t aantal, int laag, int bits);
 
-// Shape of the trees
-// ------------------------------------------------------------------------------
+// Shape of the trees ------------------------------------------------------------------------------
 
 /// A leaf as it is in the end: it holds the ranks up to `einde`.
 struct Blad {

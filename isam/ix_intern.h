@@ -36,8 +36,7 @@ std::string ix_melding(const ICB* icb, const char* tekst, bool punt = false);
 /// "TQISAM(%d): %s ", the run ends.
 [[noreturn]] void ix_open_fout(int fout, const std::string& pad);
 
-// Keys
-// -----------------------------------------------------------------------------------------------
+// Keys --------------------------------------------------------------------------------------------
 
 /// The current key's number: 1 where the handle holds no block yet.
 inline int ix_huidig(const ICB* icb) {
@@ -62,8 +61,7 @@ int ix_letters(const uint8_t* veld, int n, uint8_t* uit);
 /// True when definitions and counters can be worked with: no index or length out of bounds.
 bool ix_kop_geldig(const ICB* icb);
 
-// Header
-// ---------------------------------------------------------------------------------------------
+// Header ------------------------------------------------------------------------------------------
 
 /// Reads block 0 under the header lock; a header that cannot be worked with ends the run.
 void ix_kop_lees(ICB* icb);
@@ -79,8 +77,7 @@ inline bool ix_alleen(const ICB* icb) {
   return icb->file_locked != 0 || icb->mode == IX_EXCLUSIEF || icb->kop_slot != 0;
 }
 
-// Tree
-// -----------------------------------------------------------------------------------------------
+// Tree --------------------------------------------------------------------------------------------
 
 void IXRDIX(ICB*, int32_t blok);
 /// The same for one try; false when the file does not hold the block, with the buffer empty.
@@ -141,8 +138,7 @@ bool ix_bouw_snel(ICB* icb, int32_t per);
 /// Cleared by a test that wants the plain road.
 extern bool ix_snel_bouwen;
 
-// Records
-// --------------------------------------------------------------------------------------------
+// Records -----------------------------------------------------------------------------------------
 
 /// Does a piece of a file lie across pages, so that a write of it comes in parts?
 inline bool ix_over_pagina(int64_t plaats, size_t n) {
@@ -159,8 +155,7 @@ void ix_seq_los(const ICB* icb) noexcept;
 /// Two work buffers of a record's size, for one operation at a time.
 uint8_t* ix_werk(int nr);
 
-// Handles
-// --------------------------------------------------------------------------------------------
+// Handles -----------------------------------------------------------------------------------------
 
 ICB* ix_nieuw();
 void ix_vrij(ICB* icb);

@@ -302,8 +302,7 @@ bool IXUNIQK(ICB* icb, void* rec, int fields) {
   return zoek(icb, '=', lengte) >= 0;
 }
 
-// The scan in slot order
-// ----------------------------------------------------------------------------
+// The scan in slot order --------------------------------------------------------------------------
 
 namespace {
 

@@ -13,8 +13,7 @@
 
 #include "isam/formaat.h"
 
-// Attributes and keys
-// -------------------------------------------------------------------------------
+// Attributes and keys -----------------------------------------------------------------------------
 
 inline constexpr int A_LABEL = 0x100000;   // dim: labels and prompts
 inline constexpr int A_WAARDE = 0x200000;  // bold: values, the default
@@ -113,8 +112,7 @@ inline constexpr int ING_FOUT = 0x80;     // refused; editing goes on
 /// True when the last field or read ended on cancel or escape.
 inline bool weg_toets() { return scr_ctx->last_key == K_CANCEL || scr_ctx->last_key == K_ESC; }
 
-// Set-up and stop
-// -------------------------------------------------------------------------------------
+// Set-up and stop ---------------------------------------------------------------------------------
 
 void SCRINIT();
 void scr_close();
@@ -123,8 +121,7 @@ void scr_close();
 /// terminal that cannot be had falls back on "".
 void scr_term_open(const char* naam);
 
-// Hooks upward
-// ----------------------------------------------------------------------------------------
+// Hooks upward ------------------------------------------------------------------------------------
 
 struct ScrHooks {
   void (*afbreken)();               // called by scr_abort before the report
@@ -133,8 +130,7 @@ struct ScrHooks {
 };
 extern ScrHooks scr_hooks;
 
-// Windows
-// ---------------------------------------------------------------------------------------------
+// Windows -----------------------------------------------------------------------------------------
 
 void win_open(int row, int col, int height, int width, int colour_set);
 inline void win_open1(int r, int c, int h, int w) { win_open(r, c, h, w, 1); }  // work windows
@@ -161,8 +157,7 @@ struct Venster {
 int win_height();  // usable rows and columns of the current window
 int win_width();
 
-// Output; all return at once while output_off is set
-// -----------------------------------------------------
+// Output; all return at once while output_off is set ----------------------------------------------
 
 void scr_move(int row, int col);
 void scr_attr(int attr);
@@ -209,8 +204,7 @@ extern char scr_kladregel[256];
 /// The shared scratch buffer of line formatters (browser callbacks).
 extern char scr_klad[32768];
 
-// Header bar and messages
-// ---------------------------------------------------------------------------------
+// Header bar and messages -------------------------------------------------------------------------
 
 /// Mode 'C' clears the whole screen first, 'E' row 1 only.
 void hdr_line_tekst(char mode, const char* tekst);
@@ -239,8 +233,7 @@ template <class... A>
   scr_abort_tekst(str_format(fmt, a...).c_str());
 }
 
-// Keys
-// ------------------------------------------------------------------------------------------------------
+// Keys --------------------------------------------------------------------------------------------
 
 int key_read_raw(bool wachten);  // one decoded key; -1 when none and not waiting
 int key_read(void* window);      // push-back stack, then macro, then the terminal
@@ -260,8 +253,7 @@ bool scr_intr_state();
 void macro_stop();
 void macro_user(int nummer);
 
-// Fields
-// ------------------------------------------------------------------------------------------------------
+// Fields ------------------------------------------------------------------------------------------
 
 void key_allow(int code);
 void key_deny(int code);
@@ -322,8 +314,7 @@ bool scr_confirm(int row, int col, const char* fmt, A... a) {
   return scr_confirm_tekst(row, col, str_format(fmt, a...).c_str());
 }
 
-// Menus
-// ----------------------------------------------------------------------------------------------------------
+// Menus -------------------------------------------------------------------------------------------
 
 void menu_begin(int level);
 void menu_width(int breedte);  // 35 (default) or 20
@@ -344,8 +335,7 @@ void popup_default(int item);
 void popup_number(int result, uint16_t* variabele, int low, int high);
 int popup_run(int row, int col);  // the item, or -1: look at last_key
 
-// Pull-down menus (scr/tr_menu)
-// --------------------------------------------------------------------------------------
+// Pull-down menus (scr/tr_menu) -------------------------------------------------------------------
 
 struct TrMenu;
 inline constexpr int TR_BOX = 1, TR_BAR = 2, TR_TIJD = 32;  // menu flags
@@ -363,8 +353,7 @@ int tr_menu_run(TrMenu*, int first_id);  // the id chosen, -1 none
 void tr_menu_size(TrMenu*, int rows, int cols);
 void tr_menu_free(TrMenu*);
 
-// Record browser
-// --------------------------------------------------------------------------------------------------------
+// Record browser ----------------------------------------------------------------------------------
 
 /// One browse. The callbacks do all the reading; `current` identifies a record by any 32-bit value.
 struct BrwRec {

@@ -12,8 +12,7 @@ void veld_begin();
 /// Frees them; scr_ctx is still there. Safe when veld_begin never ran.
 void veld_eind();
 
-// Screen (scr/venster, scr/uit)
-// --------------------------------------------------------------------
+// Screen (scr/venster, scr/uit) -------------------------------------------------------------------
 
 /// True when nothing may be drawn: no screen, or output_off.
 bool scr_stil();
@@ -39,8 +38,7 @@ struct OpBasis {
   int bewaard;
 };
 
-// Keys (scr/toets)
-// -----------------------------------------------------------------------------------
+// Keys (scr/toets) --------------------------------------------------------------------------------
 
 /// One decoded key read on a WINDOW*; waits when `ms` is negative, else that long at most (-1:
 /// none). A terminal that is gone ends the program.
@@ -58,8 +56,7 @@ bool toets_in_stapel();
 bool macro_speelt();
 void macro_speel(bool aan);
 
-// Messages
-// ---------------------------------------------------------------------------------------------
+// Messages ----------------------------------------------------------------------------------------
 
 /// Back to the state of a fresh screen: nothing busy, no message, refresh once a second.
 void uit_begin();

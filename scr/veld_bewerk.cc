@@ -31,8 +31,7 @@ void eis(VeldFout fout, const char* formaat) {
             txt(fout_tekst(fout)));
 }
 
-// Preparing
-// ---------------------------------------------------------------------------------------------
+// Preparing ---------------------------------------------------------------------------------------
 
 /// The arguments behind the format: keys lie inside scr_ctx, the first one outside is the variable.
 void neem_argumenten(std::span<const IngArg> args) {
@@ -101,8 +100,7 @@ void bereid_voor(int row, int col, const char* fmt, std::span<const IngArg> args
   sta_toetsen_toe();
 }
 
-// The loop
-// ----------------------------------------------------------------------------------------------
+// The loop ----------------------------------------------------------------------------------------
 
 void begin_bewerking() {
   const VeldFormaat& f = veld_werk.formaat;
@@ -201,8 +199,7 @@ void bewerk() {
   }
 }
 
-// The end
-// -----------------------------------------------------------------------------------------------
+// The end -----------------------------------------------------------------------------------------
 
 void rond_af() {
   const VeldFormaat& f = veld_werk.formaat;

@@ -26,8 +26,7 @@ struct VeldWerk {
 };
 extern VeldWerk veld_werk;
 
-// Variable and text (scr/veld_waarde)
-// ------------------------------------------------------------------
+// Variable and text (scr/veld_waarde) -------------------------------------------------------------
 
 /// Fills text and value from the variable, and allows the signs that its value brings along.
 VeldFout veld_lees();
@@ -44,8 +43,7 @@ std::string datum_zonder_streep(std::string_view tekst);
 void veld_zet_tekst(std::string_view tekst);
 std::string_view veld_inhoud();
 
-// Checks (scr/veld_controle)
-// ---------------------------------------------------------------------------
+// Checks (scr/veld_controle) ----------------------------------------------------------------------
 
 /// Checks the content after an accepted key. True: text and value are final. False: the refusal
 /// stands on the message line and ING_FOUT is set.
@@ -60,22 +58,19 @@ GetalTekst getal_uit_tekst(std::string_view tekst);
 /// Blanks and holes in the day and month of a date become zeros: " 1" and "1 " are "01".
 std::string datum_gerepareerd(std::string kaal);
 
-// Drawing (scr/veld_teken)
-// -----------------------------------------------------------------------------
+// Drawing (scr/veld_teken) ------------------------------------------------------------------------
 
 void veld_teken();          // while it is edited: with underscores
 void veld_teken_klaar();    // as it stays on the screen
 void veld_plaats_cursor();  // also keeps the cursor of a scrolling field in sight
 
-// Editing keys (scr/veld_toetsen)
-// ------------------------------------------------------------------------
+// Editing keys (scr/veld_toetsen) -----------------------------------------------------------------
 
 /// Handles one key that neither ends the field nor asks for help.
 void veld_toets(int toets);
 void veld_herstel();  // the old text and value
 
-// Help and compose (scr/veld_hulp)
-// ------------------------------------------------------------------------
+// Help and compose (scr/veld_hulp) ----------------------------------------------------------------
 
 void veld_hulpscherm();
 /// The composed character: its code, 0 when there is none.

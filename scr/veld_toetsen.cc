@@ -22,8 +22,7 @@ void niet_meer_vervangen() { scr_ctx->ing_result &= ~ING_VERVANG; }
 /// Puts the cursor at a place, past a separator that stands there.
 void ga_naar(int plaats) { veld_werk.cursor = op_streep(plaats) ? plaats + 1 : plaats; }
 
-// Storing
-// --------------------------------------------------------------------------------------------
+// Storing -----------------------------------------------------------------------------------------
 
 void zet_over(int plaats, char c) {
   std::string tekst(veld_inhoud());
@@ -126,8 +125,7 @@ void teken(int code) {
   bewaar(c);
 }
 
-// Editing
-// ---------------------------------------------------------------------------------------------
+// Editing -----------------------------------------------------------------------------------------
 
 /// Day and month close up inside their own two places; behind them the date is plain text.
 void verwijder_uit_datum(std::string& tekst, int plaats) {

@@ -53,8 +53,7 @@ void vertaal(const MaatHandle* h, MaatRec* rec) {
   if (IXREAD(dtmtom, &oms)) std::memcpy(rec->vertaling, oms.tekst, sizeof rec->vertaling);
 }
 
-// Each order answers with a size index, 0 for none
-// ---------------------------------------------------
+// Each order answers with a size index, 0 for none ------------------------------------------------
 
 int stap_index(const MaatHandle* h, char actie, int van) {
   const auto is_er = [h](int i) { return maat_mogelijk(i) && maat_gevuld(h->index[size_t(i)]); };

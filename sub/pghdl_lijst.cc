@@ -57,8 +57,7 @@ std::string set_tekst(int breedte) {
   return pg_is_all(reeks.filialen) ? txt(T_PG_ALLE) : pg_show('F', reeks.filialen, breedte);
 }
 
-// Callbacks of the browser
-// ----------------------------------------------------------------------------
+// Callbacks of the browser ------------------------------------------------------------------------
 
 bool ga(BrwRec* b, int n) {
   auto nummer = static_cast<int32_t>(b->current);
@@ -82,8 +81,7 @@ const char* regel(BrwRec*) {
   return scr_klad;
 }
 
-// Maintenance
-// ----------------------------------------------------------------------------------------
+// Maintenance -------------------------------------------------------------------------------------
 
 constexpr int RIJ_NAAM = 2, RIJ_SET = 3, KOL_LABEL = 2, KOL_VELD = 15;
 constexpr const char* SET_VELD = "60s";

@@ -91,8 +91,7 @@ bool tabel_maak(const TabelDef& def, const char* naam) {
   return goed;
 }
 
-// The run's own
-// ------------------------------------------------------------------------------------
+// The run's own -----------------------------------------------------------------------------------
 
 ICB *dtart, *dtean, *dtgo, *dtfin, *dtio, *dtlev, *dtkoers;
 ICB *dtmaat, *dtmerk, *dtmtom, *dtpick, *dtser, *dtaanv;

@@ -25,8 +25,7 @@ const char* kleur_regel(BrwRec* b) {
   return scr_klad;
 }
 
-// Article groups: by number, name, turnover group
-// ----------------------------------------------------
+// Article groups: by number, name, turnover group -------------------------------------------------
 
 DtArt artikel_rec;
 int artikel_orde = 0;
@@ -48,8 +47,7 @@ const char* artikel_regel(BrwRec*) {
   return scr_klad;
 }
 
-// Target groups: a small keyed table with maintenance in its list
-// ----------------------------------------
+// Target groups: a small keyed table with maintenance in its list ---------------------------------
 
 DtDoelgr doelgroep_rec;
 KeyLijst* doelgroep_open = nullptr;
@@ -135,8 +133,7 @@ void doelgroep_zoek(BrwRec* b) {
   scr_ctx->ing_result |= ING_LEEG;
 }
 
-// Actions: 99 numbered slots
-// ------------------------------------------------------------------------------
+// Actions: 99 numbered slots ----------------------------------------------------------------------
 
 Actie actie_rec;
 void actie_kop(BrwRec*) {

@@ -138,8 +138,7 @@ struct Sloten : testing::Test {
   }
 };
 
-// Nothing that is closed on the side drops a lock
-// --------------------------------------------------
+// Nothing that is closed on the side drops a lock -------------------------------------------------
 
 struct Zijweg {
   const char* naam;

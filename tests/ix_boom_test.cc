@@ -148,8 +148,7 @@ TEST_F(Boom, EqualKeysEnterInFrontAndCountAsOneStep) {
   IXCLOSE(tabel);
 }
 
-// Random walks
-// -------------------------------------------------------------------------------------
+// Random walks ------------------------------------------------------------------------------------
 
 struct Orde {
   const ICB* icb;
@@ -317,8 +316,7 @@ TEST_F(Boom, RandomWalkOnText) {
   wandel("naam,C,17,64,I,1,4", "tekst,C,17,60,I,15,16", "kort,C,5,14");
 }
 
-// Broken files
-// -------------------------------------------------------------------------------------
+// Broken files ------------------------------------------------------------------------------------
 
 TEST_F(Boom, WildBytesNeverReachMemory) {
   ICB* icb = proef_tabel("HEEL", IX_EXCLUSIEF);

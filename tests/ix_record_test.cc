@@ -262,8 +262,7 @@ TEST_F(Records, PrivateIndexOverATableAtWork) {
   EXPECT_EQ(bytes_van("TAB.TXT").size(), 30U * 64);
 }
 
-// Opening and making
-// ---------------------------------------------------------------------------------
+// Opening and making ------------------------------------------------------------------------------
 
 using Openen = Records;
 

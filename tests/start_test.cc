@@ -191,8 +191,7 @@ TEST_F(Start, ProgramInformation) {
   EXPECT_EQ(t.exit_status(), 0);
 }
 
-// Hand-over
-// -----------------------------------------------------------------------------------------
+// Hand-over ---------------------------------------------------------------------------------------
 
 // A program that shows what it was started with.
 void script(const std::string& pad, const char* merk) {
@@ -268,8 +267,7 @@ TEST_F(Start, LastProgramOfTheChainClearsItsTerminal) {
   EXPECT_EQ(ProefSysteem::bytes("DTSYS.TXT", 2640 + 6 * 64 + 22, 1), "3");
 }
 
-// Work exclusion on the screen
-// ------------------------------------------------------------------------
+// Work exclusion on the screen --------------------------------------------------------------------
 
 // Another terminal that claims: "band" the whole of function 9, else its own byte of it.
 std::string claimt(const std::string& opdracht) {

@@ -34,8 +34,7 @@ struct Printerverb {
   bool naar_map = false, staand = false;
 };
 
-// Checks: each gives the objection, empty for none
-// -------------------------------------------------
+// Checks: each gives the objection, empty for none ------------------------------------------------
 
 template <size_t N>
 std::string zet(char (&veld)[N], const std::string& utf8, size_t langst = N) {
@@ -99,8 +98,7 @@ std::string maak_configuratie(const Printerverb& o, Stand* s) {
   return bezwaar;
 }
 
-// Import
-// -------------------------------------------------------------------------------------------
+// Import ------------------------------------------------------------------------------------------
 
 std::vector<std::string> velden(const std::string& regel) {
   std::vector<std::string> lijst(1);
@@ -161,8 +159,7 @@ Stand lees_invoer(const std::string& naam) {
   return s;
 }
 
-// Writing
-// ------------------------------------------------------------------------------------------
+// Writing -----------------------------------------------------------------------------------------
 
 template <class R>
 void schrijf(const char* naam, std::vector<R>& rijen) {
@@ -210,8 +207,7 @@ void doe_een(const Printerverb& o, std::string (*maak)(const Printerverb&, Stand
   voeg_in_keten(o, s);
 }
 
-// Queues
-// -------------------------------------------------------------------------------------------
+// Queues ------------------------------------------------------------------------------------------
 
 std::vector<std::string> wachtrijen() {
   std::vector<std::string> lijst;
