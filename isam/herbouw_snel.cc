@@ -231,7 +231,8 @@ bool alles(ICB* icb, uint32_t records, int32_t per) {
   if (!neem_geheugen(b) || !lees(b)) return false;
   for (int k = 0; k < icb->key_count; ++k) {
     if (!orden(b, k)) return false;
-    ix_hooks.voortgang(nullptr, (records + records / 2 / icb->key_count * (k + 1)) / 2, records);
+    const int64_t deel = int64_t{records} * (k + 1) / icb->key_count;
+    ix_hooks.voortgang(nullptr, records / 2 + deel / 4, records);
   }
   vorm_takken(icb, b.bomen, per);
   Schrijver schrijver(b);
