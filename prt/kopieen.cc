@@ -44,7 +44,8 @@ bool naam_nieuw(std::string& naam) {
 
 // Copies without the program, in one command.
 void alle_ineens(const std::string& bestand, int aantal, const std::string& eerst = "") {
-  std::string opdracht = "(" + eerst;
+  std::string opdracht("(");
+  opdracht += eerst;
   for (int n = 0; n < aantal; ++n) opdracht += cat_naar(bestand, prt_rec.device) + "; ";
   sh_systeem(opdracht + "rm " + sh_quote(bestand) + ") &");
 }
