@@ -2,10 +2,11 @@
 // its block number, a split leaves the upper entries in the old block, and a block is never given
 // back.
 //
-// Two rules keep concurrent work sound. A change starts from the root, inside the header lock: the
-// parents that a handle remembers may date from before another process's split. And a reader trusts
-// no block further than it can be: whatever does not fit ends a search as "not found", a change as
-// "Niet consistent".
+// Two rules keep concurrent work sound. A change that may reach a parent starts from the root,
+// inside the header lock: the parents that a handle remembers may date from before another
+// process's split. One that stays inside its leaf needs that leaf alone, whichever way it was
+// found. And a reader trusts no block further than it can be: whatever does not fit ends a search
+// as "not found", a change as "Niet consistent".
 
 #include <cstring>
 
