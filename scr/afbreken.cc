@@ -119,12 +119,14 @@ void scr_abort_tekst(const char* tekst) {
   if (in_afbreken) scr_exit(1);
   in_afbreken = true;
   if (scr_hooks.afbreken != nullptr) scr_hooks.afbreken();
-  if (scherm_bruikbaar())
+  if (scherm_bruikbaar()) {
     meld_op_scherm(melding.c_str());
-  else if (scr_hooks.kaal != nullptr)
+  } else if (scr_hooks.kaal != nullptr) {
+    in_afbreken = false;  // the hook may leave by a road of its own
     scr_hooks.kaal(melding.c_str());
-  else
+  } else {
     meld_op_uitvoer(melding.c_str());
+  }
   while (scr_ctx != nullptr && scr_ctx->win_count > 1) win_close();
   scr_exit(1);
 }
