@@ -52,10 +52,10 @@ bool ix_lees_blok(ICB* icb, int32_t blok) {
     const bool bekend = heel && ix_weg_blok(icb, blok);
     const int64_t plaats = ix_blokplaats(blok);
     const void* oud = icb->block_no == blok ? &icb->block : nullptr;
-    const int64_t n = bekend ? IX_BLOK
-                      : ix_alleen(icb)
-                          ? io_lees(icb->index_fd, &icb->block, IX_BLOK, plaats)
-                          : io_lees_heel(icb->index_fd, &icb->block, IX_BLOK, plaats, oud);
+    const int64_t n = bekend           ? IX_BLOK
+                      : ix_alleen(icb) ? io_lees(icb->index_fd, &icb->block, IX_BLOK, plaats)
+                                       : io_lees_heel(icb->index_fd, &icb->block, IX_BLOK, plaats,
+                                                      oud, icb->index_fd);
     icb->block_no = blok;
     if (n != IX_BLOK) {
       icb->block = IxBlok{};

@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <utility>
 #include <vector>
 
@@ -157,7 +158,24 @@ int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept {
   return static_cast<int64_t>(klaar);
 }
 
-int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud) noexcept {
+namespace {
+
+constexpr int GEDULD = 100;  // rounds for a header that somebody holds
+constexpr timespec EVEN{0, 50 * 1000};
+
+/// Nobody else is writing: no other process holds the header.
+bool kop_vrij(int kop_fd) noexcept {
+  struct flock slot {};
+  slot.l_type = F_RDLCK;
+  slot.l_whence = SEEK_SET;
+  slot.l_len = 512;
+  return fcntl(kop_fd, F_GETLK, &slot) != 0 || slot.l_type == F_UNLCK;
+}
+
+}  // namespace
+
+int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud,
+                     int kop_fd) noexcept {
   if (n > STUK) return io_lees(fd, buffer, n, offset);
   uint8_t* nu = lezing_a;
   uint8_t* straks = lezing_b;
@@ -173,11 +191,15 @@ int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void*
     return lengte;
   }
   for (int keer = 1; lengte > 0; ++keer) {
+    const bool rust = kop_fd < 0 || keer > GEDULD || kop_vrij(kop_fd);
     const int64_t weer = io_lees(fd, straks, n, offset);
-    if (weer == lengte && memcmp(nu, straks, static_cast<size_t>(lengte)) == 0) break;
+    if (rust && weer == lengte && memcmp(nu, straks, static_cast<size_t>(lengte)) == 0) break;
     std::swap(nu, straks);
     lengte = weer;
-    if (keer % 16 == 0) sched_yield();  // let the writer finish
+    if (!rust)
+      nanosleep(&EVEN, nullptr);
+    else if (keer % 16 == 0)
+      sched_yield();  // let the writer finish
   }
   if (lengte > 0) memcpy(buffer, nu, static_cast<size_t>(lengte));
   if (lengte == static_cast<int64_t>(n)) bekend = afdruk(nu, n, plaats);

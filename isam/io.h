@@ -26,7 +26,12 @@ uint32_t io_opening(int fd) noexcept;
 int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept;
 /// As io_lees, for 512-byte blocks that another process may be writing: two reads agree.
 /// `oud` is what the caller last saw there, or null.
-int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud) noexcept;
+/// `kop_fd` is the index file whose header every writer of this file locks (-1: not known): a
+/// writer that is kept from going on shows half a block for so long that two reads agree on it, so
+/// they only count with a moment between them at which nobody had the header. That is waited for
+/// some milliseconds.
+int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud,
+                     int kop_fd = -1) noexcept;
 /// Bytes written; callers do not test it. EINTR and short writes go on.
 int64_t io_schrijf(int fd, const void* buffer, size_t n, int64_t offset) noexcept;
 int64_t io_grootte(int fd) noexcept;

@@ -134,6 +134,9 @@ extern const IxHooks IX_HOOKS_KAAL;  // the defaults: standard error, no waiting
 ICB* IXCREATE(const char* name, int mode);
 /// Opens; a missing or short file ends the run ("TQISAM(errno): path "). Never null.
 ICB* IXOPEN(const char* name, int mode);
+/// The same for a caller whose buffers hold records of `lengte` bytes: a header that says another
+/// length is damaged and ends the run ("Niet consistent"). Programs open their tables so.
+ICB* IXOPEN_LENGTE(const char* name, int mode, int lengte);
 /// Writes the header in exclusive mode, gives up the file lock, closes, frees. Null is a fault.
 void IXCLOSE(ICB*);
 /// Definition strings: key 0 "description,record length"; key 1 to 5 any mix of NODUPS, a name, and

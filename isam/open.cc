@@ -209,6 +209,12 @@ ICB* IXOPEN(const char* name, int mode) {
   return icb;
 }
 
+ICB* IXOPEN_LENGTE(const char* name, int mode, int lengte) {
+  ICB* icb = IXOPEN(name, mode);
+  if (icb->record_length != lengte) ix_kapot(icb);
+  return icb;
+}
+
 void IXCLOSE(ICB* icb) {
   ix_test(icb, "IXCLOSE");
   if (icb->cached != 0) IOCACHE('F', icb, 0);

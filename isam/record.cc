@@ -130,7 +130,9 @@ int64_t lees_zeker(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
 
 int64_t lees_slots(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
   if (ix_alleen(icb)) return io_lees(icb->data_fd, buffer, n, plaats);
-  const int64_t uit = io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr);
+  // The records of a private index are written under the header of their own table.
+  const int kop_fd = icb->is_private != 0 ? -1 : icb->index_fd;
+  const int64_t uit = io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr, kop_fd);
   const bool over = uit == static_cast<int64_t>(n) && ix_over_pagina(plaats, n);
   return over ? lees_zeker(icb, buffer, n, plaats) : uit;
 }

@@ -14,6 +14,7 @@
 #include "main/teksten.h"
 #include "scr/scr.h"
 #include "sub/records.h"
+#include "sub/tabeldef.h"
 
 namespace {
 
@@ -58,8 +59,8 @@ uint8_t menuvariant() {
 /// Rights may have changed since the menu was last shown.
 void laad() {
   programmas.clear();
-  ICB* dthmnu = IXOPEN("DTHMNU", IX_LEES);
-  ICB* dtrel = IXOPEN("DTREL", IX_LEES);
+  ICB* dthmnu = tabel_open("DTHMNU", IX_LEES);
+  ICB* dtrel = tabel_open("DTREL", IX_LEES);
   DtHmnu rec{};
   rec.variant = menuvariant();
   for (bool er = IXFIRSTR(dthmnu, &rec, 1); er && programmas.size() < PROGRAMMAS;

@@ -41,7 +41,7 @@ void overlay_maak() {
   if (dtser_o != nullptr) IXCLOSE(dtser_o);
   dtser_o = nullptr;
   serie_selecteer(privaat.o, "AKV");
-  dtser_o = IXOPEN(privaat.o, IX_LEES);
+  dtser_o = tabel_open(privaat.o, IX_LEES);
   dtser_opzoek = dtser_o;
 }
 
@@ -66,7 +66,7 @@ bool tpck_bruikbaar() {
 void werktabellen_open() {
   if (!tpck_bruikbaar()) tabel_maak(TABEL_TPCK, privaat.tpck);
   tabel_maak(TABEL_TMPGO, privaat.tmpgo);
-  tpck = IXOPEN(privaat.tpck, IX_GEDEELD);
+  tpck = IXOPEN_LENGTE(privaat.tpck, IX_GEDEELD, TABEL_TPCK.lengte);
 }
 void werktabellen_sluit() {
   IXCLOSE(tpck);

@@ -134,7 +134,8 @@ void meld_geen() {
 
 bool saldo_druk() {
   Saldo saldo;
-  ICB* tabel = IXOPEN(privaat.tp, IX_EXCLUSIEF);  // nobody else has it: its blocks are read once
+  // Nobody else has it: its blocks are read once.
+  ICB* tabel = IXOPEN_LENGTE(privaat.tp, IX_EXCLUSIEF, sizeof(Verzamel));
   tel(tabel, saldo);
   prt_rec.line_no =
       99;  // forces a head on every page shorter than this; the 132-column screen has 64

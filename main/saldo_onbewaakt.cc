@@ -14,6 +14,7 @@
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
 #include "sub/serie.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -58,7 +59,7 @@ void alle_series() {
   pg_fill(adv_rec.vanuit_filialen);
   saldo_splits = true;
   serie_selecteer(privaat.o, "AKV");
-  dtser_o = IXOPEN(privaat.o, IX_LEES);
+  dtser_o = tabel_open(privaat.o, IX_LEES);
   dtser_opzoek = dtser_o;
 }
 
@@ -77,7 +78,7 @@ bool saldo_onbewaakt(FILE* uit) {
   systeem_open();
   const bool vrij = vw_claim(FUNCTIE, true);
   if (vrij) {
-    for (const Tafel& t : TAFELS) *t.handle = IXOPEN(t.naam, IX_LEES);
+    for (const Tafel& t : TAFELS) *t.handle = tabel_open(t.naam, IX_LEES);
     alle_series();
     druk(uit);
     IXCLOSE(dtser_o);

@@ -115,7 +115,7 @@ void saldo_pass(int mode) {
     scr_print(A_LABEL, scr_ctx->lines, 1, "%s", label);
   }
   // The table carries the terminal's number: nobody else writes it, so no lock is needed per line.
-  pas.verzamel = IXOPEN(privaat.tp, IX_EXCLUSIEF);
+  pas.verzamel = IXOPEN_LENGTE(privaat.tp, IX_EXCLUSIEF, sizeof(Verzamel));
   const int sleutel = dtpick->block.key_number;
   IXSWITCH(dtpick, KEY_SERIE);
   memset(&pick_rec, 0, sizeof pick_rec);

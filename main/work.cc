@@ -17,6 +17,7 @@
 #include "sub/sel_krit.h"
 #include "sub/serie.h"
 #include "sub/serie_keuze.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 
 bool work_overdracht = false;
@@ -77,7 +78,7 @@ void selectie_open() {
   memset(&ser_rec, 0, sizeof ser_rec);
   serie_gevuld = false;
   if (file_size(privaat.v) >= SELECTIE_MINIMUM) {
-    ICB* icb = IXOPEN(privaat.v, IX_LEES);
+    ICB* icb = tabel_open(privaat.v, IX_LEES);
     const std::string letters = veld_tekst(icb->description, sizeof icb->description);
     str_printf(serie_sortering, sizeof serie_sortering, "%s", letters);
     serie_gevuld = IXFIRSTR(icb, &ser_rec);
@@ -91,7 +92,7 @@ void selectie_open() {
 /// The advice run's series are kept only on the way back from the program that was handed them.
 void adviesserie_open() {
   if (strcmp(session_caller, "vrdstuk") != 0) IXCLOSE(sort_maak(privaat.a, "AKV"));
-  dtser_a = IXOPEN(privaat.a, IX_GEDEELD);
+  dtser_a = tabel_open(privaat.a, IX_GEDEELD);
 }
 
 void tpdtse_open() {
@@ -125,7 +126,7 @@ void work_open() {
   IXCLOSE(sort_maak(privaat.r, "MAKV"));
   ioeti('O', nullptr, nullptr);
   ipa_open(IX_GEDEELD);
-  for (const OpenTabel& t : TABELLEN) *t.handle = IXOPEN(t.naam, t.mode);
+  for (const OpenTabel& t : TABELLEN) *t.handle = tabel_open(t.naam, t.mode);
   dtser_opzoek = dtser;
   tpdtse_open();
   sel_start(13);

@@ -17,7 +17,7 @@ namespace {
 
 struct Tabel {
   ICB* icb;
-  explicit Tabel(const char* naam) : icb(IXOPEN(prt_path(naam), IX_LEES)) {}
+  Tabel(const char* naam, int lengte) : icb(IXOPEN_LENGTE(prt_path(naam), IX_LEES, lengte)) {}
   ~Tabel() { IXCLOSE(icb); }
   Tabel(const Tabel&) = delete;
   Tabel& operator=(const Tabel&) = delete;
@@ -142,7 +142,8 @@ bool prt_past(int widths, int columns, int rows) noexcept {
 
 std::vector<PrtKeuze> prt_lijst_alles(int widths) {
   std::vector<PrtKeuze> lijst;
-  Tabel printers(TR_PTRG), verbinding(TR_PTRC), config(TR_PTRP);
+  Tabel printers(TR_PTRG, sizeof(PtrgRec)), verbinding(TR_PTRC, sizeof(PtrcRec)),
+      config(TR_PTRP, sizeof(PtrpRec));
   PrtKeuze keuze{};
   try {
     for (bool er = IXFIRSTR(printers.icb, &keuze.printer); er;
@@ -157,7 +158,8 @@ std::vector<PrtKeuze> prt_lijst_alles(int widths) {
 
 bool prt_lijst_printer(uint16_t printer, uint8_t verbinding, int widths, PrtKeuze* basis,
                        std::vector<PrtKeuze>* lijst) {
-  Tabel printers(TR_PTRG), connecties(TR_PTRC), config(TR_PTRP);
+  Tabel printers(TR_PTRG, sizeof(PtrgRec)), connecties(TR_PTRC, sizeof(PtrcRec)),
+      config(TR_PTRP, sizeof(PtrpRec));
   *basis = PrtKeuze{};
   basis->printer.tr_code = printer;
   if (!IXREAD(printers.icb, &basis->printer)) return false;

@@ -7,6 +7,7 @@
 #include "main/controle.h"
 #include "sub/ioeti_intern.h"
 #include "sub/leesstam.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -19,7 +20,7 @@ uint32_t tarief_artgroep;
 uint8_t tarief_code;  // 0: not read yet
 
 ICB* eigen(ICB** icb, const char* naam) {
-  if (*icb == nullptr) *icb = IXOPEN(naam, IX_LEES);
+  if (*icb == nullptr) *icb = tabel_open(naam, IX_LEES);
   return *icb;
 }
 

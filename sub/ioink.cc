@@ -13,6 +13,7 @@
 #include "main/controle.h"
 #include "scr/scr.h"
 #include "sub/ioink_intern.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 
@@ -91,7 +92,7 @@ void ipa_open(int mode) {
   if (ink.dtipa != nullptr) ctl_fault(MODULE, INK_REEDS_OPEN);
   ink.fd = io_open(GROEPEN, false);
   if (ink.fd < 0) ctl_noopen(MODULE, GROEPEN);
-  ink.dtipa = IXOPEN(TABEL, mode);
+  ink.dtipa = tabel_open(TABEL, mode);
   ink.mode = mode;
 }
 
@@ -106,7 +107,7 @@ void ipa_close() {
 void ink_heropen() {
   if ((sys_rec1.opties2 & GEDEELD_WERK) == 0 || ink.mode == IX_LEES) return;
   IXCLOSE(ink.dtipa);
-  ink.dtipa = IXOPEN(TABEL, ink.mode);
+  ink.dtipa = tabel_open(TABEL, ink.mode);
 }
 
 bool ink_lees_groep(int32_t nummer, Niveau niveau, DtIpg* groep, const DtIpa* set) {

@@ -8,6 +8,7 @@
 #include "isam/base.h"
 #include "main/controle.h"
 #include "main/iotab.h"
+#include "sub/tabeldef.h"
 
 namespace {
 
@@ -33,7 +34,7 @@ struct Sleutel {
 
 /// Opens a table for one read.
 struct Bestand {
-  explicit Bestand(const char* naam) : icb(IXOPEN(naam, IX_LEES)) {}
+  explicit Bestand(const char* naam) : icb(tabel_open(naam, IX_LEES)) {}
   ~Bestand() { IXCLOSE(icb); }
   Bestand(const Bestand&) = delete;
   Bestand& operator=(const Bestand&) = delete;

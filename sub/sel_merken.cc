@@ -8,6 +8,7 @@
 #include "isam/formaat.h"
 #include "scr/scr.h"
 #include "sub/sel_intern.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -18,7 +19,7 @@ constexpr int WAARSCHUWINGEN = 20;  // a file that is no selection shall not ask
 /// The brands' table, opened for the scope when the run does not hold it open.
 struct Merkentabel {
   Merkentabel() : icb(dtmerk), eigen(dtmerk == nullptr) {
-    if (eigen) icb = IXOPEN("DTMERK", IX_LEES);
+    if (eigen) icb = tabel_open("DTMERK", IX_LEES);
   }
   ~Merkentabel() {
     if (eigen) IXCLOSE(icb);
@@ -60,13 +61,13 @@ void merklijst_leeg() {
 
 ICB* merklijst_open(int mode) {
   if (!file_exists(privaat.merk)) merklijst_leeg();
-  return IXOPEN(privaat.merk, mode);
+  return tabel_open(privaat.merk, mode);
 }
 
 std::vector<uint16_t> merklijst_nummers() {
   std::vector<uint16_t> uit;
   if (!file_exists(privaat.merk)) return uit;
-  ICB* lijst = IXOPEN(privaat.merk, IX_LEES);
+  ICB* lijst = tabel_open(privaat.merk, IX_LEES);
   DtMerk rec{};
   for (bool er = IXFIRSTR(lijst, &rec); er; er = IXNEXT(lijst, &rec)) uit.push_back(rec.nummer);
   IXCLOSE(lijst);

@@ -7,6 +7,7 @@
 #include "sub/sel_krit.h"
 #include "sub/sel_tabel.h"
 #include "sub/serie.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -62,7 +63,7 @@ bool serie_vul(const char* naam, const char* letters, bool bulk) {
   sel_aanvullen();
   if (scr_ctx != nullptr) scr_intr_reset();
   const int methode = serie_methode();
-  ICB* doel = IXOPEN(naam, IX_EXCLUSIEF);
+  ICB* doel = tabel_open(naam, IX_EXCLUSIEF);
   if (bulk) IXBULK('O', doel, nullptr);
   const bool door = methode == 0 ? hele_tabel(doel, bulk) : per_sleutel(doel, bulk, methode);
   if (bulk) IXBULK('C', doel, nullptr);

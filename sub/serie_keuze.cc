@@ -8,6 +8,7 @@
 #include "scr/scr.h"
 #include "sub/sel_krit.h"
 #include "sub/serie.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 #include "sub/teksten_sel.h"
 
@@ -36,7 +37,7 @@ void maak_leeg() {
 }
 
 bool bevat_series() {
-  ICB* icb = IXOPEN(privaat.v, IX_LEES);
+  ICB* icb = tabel_open(privaat.v, IX_LEES);
   memset(&ser_rec, 0, sizeof ser_rec);
   const bool er = IXFIRSTR(icb, &ser_rec);
   IXCLOSE(icb);

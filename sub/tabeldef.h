@@ -20,6 +20,10 @@ std::span<const TabelDef> tabel_alle() noexcept;
 /// The definition of a name such as "DTSER"; null when there is none. Case counts.
 const TabelDef* tabel_zoek(std::string_view naam) noexcept;
 
+/// IXOPEN of a table or of a private index over one: its records have the length of the definition,
+/// or the run ends. Names without a definition open as they are.
+struct ICB* tabel_open(const char* naam, int mode);
+
 // Tables of one terminal; their file names are in `privaat`.
 extern const TabelDef TABEL_TPCK;        // provisional lines of a series, per pair and size
 extern const TabelDef TABEL_TMPGO;       // order lines by number

@@ -149,6 +149,12 @@ std::string serie_vorm(const char* formaat, const Serienr& nr) {
 
 }  // namespace
 
+ICB* tabel_open(const char* naam, int mode) {
+  const std::string_view tabel = std::string_view(naam).substr(0, std::string_view(naam).find('.'));
+  const TabelDef* def = tabel_zoek(tabel);
+  return def == nullptr ? IXOPEN(naam, mode) : IXOPEN_LENGTE(naam, mode, def->lengte);
+}
+
 std::string serie_sleutel(const Serienr& nr) { return serie_vorm("%05ld%03hu%04hu", nr); }
 
 std::string serie_tekst(const Serienr& nr) { return serie_vorm("%ld.%hu.%hu", nr); }

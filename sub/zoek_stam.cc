@@ -5,6 +5,7 @@
 #include "isam/base.h"
 #include "main/controle.h"
 #include "sub/leesstam.h"
+#include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 #include "sub/zoek.h"
@@ -212,7 +213,7 @@ bool ing_artikel(int row, int col, const char* opties, uint32_t* nummer) {
 }
 
 char doelgroep_pick() {
-  KeyLijst lijst{IXOPEN("DTDOELGR", IX_GEDEELD), &doelgroep_rec, sizeof doelgroep_rec,
+  KeyLijst lijst{tabel_open("DTDOELGR", IX_GEDEELD), &doelgroep_rec, sizeof doelgroep_rec,
                  DOELGROEP_ORDES, &doelgroep_orde};
   doelgroep_open = &lijst;
   BrwRec* b = brw_new(key_lijst_stap, doelgroep_zoek, doelgroep_kop, doelgroep_regel);
@@ -227,7 +228,7 @@ const char* doelgroep_tekst(char letter) {
   static char tekst[sizeof doelgroep_rec.tekst + 1];
   DtDoelgr rec{};
   rec.letter = letter;
-  ICB* icb = IXOPEN("DTDOELGR", IX_LEES);
+  ICB* icb = tabel_open("DTDOELGR", IX_LEES);
   const bool er = IXREAD(icb, &rec);
   IXCLOSE(icb);
   str_printf(tekst, sizeof tekst, "%s",
