@@ -1,0 +1,42 @@
+// The lists per label: search list and cancelled mutations, over the table temp_zoek and its
+// family; and the execution of advice straight from stock, which prints the first.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "main/opdruk.h"
+#include "sub/records.h"
+
+#pragma pack(push, 1)
+struct Zoekregel {  // 76 bytes: temp_zoek, temp_annul, temp_nontv
+  uint8_t vanfil, naarfil;
+  char model[15];
+  char maattekst[3];  // annul and nontv only
+  Serienr nr;
+  char merk[4];
+  uint32_t etiket, prijs, opdrachtnr;
+  char locatie[6];
+  uint8_t rang, maat;  // rank in the size bar, size index
+  uint8_t verzamel;    // collective mark
+  uint8_t gemarkeerd;
+  uint16_t zenddatum;
+  uint8_t per_maat;  // size registration
+  char ean[13];
+  uint8_t status, filiaal;  // nontv only
+  uint16_t datum;
+  uint8_t leeg74[2];
+};
+#pragma pack(pop)
+static_assert(sizeof(Zoekregel) == 76 && offsetof(Zoekregel, nr) == 20);
+static_assert(offsetof(Zoekregel, etiket) == 32 && offsetof(Zoekregel, locatie) == 44);
+static_assert(offsetof(Zoekregel, zenddatum) == 54 && offsetof(Zoekregel, status) == 70);
+
+enum class ZoekTabel : uint8_t { zoek, annul, nontv, nontv_document };
+/// Makes the table anew, empty and closed, under privaat.tp, for a print order of A K V R M L.
+void zoek_maak(ZoekTabel, const char* sortering);
+/// Prints the table in hand into an open report; kinds zoeklijst and geannuleerd. For the second
+/// only marked lines, and `opdrachtnr` heads the list when it is not 0.
+void zoeklijst(OpdrachtSoort, uint32_t opdrachtnr);
+
+void adviezen_uitvoeren();  // "Uitvoeren adviezen"
