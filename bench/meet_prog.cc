@@ -1,5 +1,6 @@
-// Measures the engine beside its peers on one machine in one run, and prints one table. Absolute
-// times say little from machine to machine; the ratios and the floors are what counts.
+// Measures the engine beside its peers on one machine in one run, then what an operator waits for,
+// and prints one table. Absolute times say little from machine to machine; the ratios and the
+// floors are what counts.
 //   meet_prog [--dir DIR] [--snel] [--alleen N,N...]
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include "bench/machine.h"
 #include "bench/partij.h"
 #include "bench/saldo_meet.h"
+#include "bench/scherm_meet.h"
 #include "bench/tabel.h"
 
 void meet_fout(const char* wie, const char* wat) {
@@ -29,7 +31,7 @@ constexpr const Partij* PARTIJEN[] = {&PARTIJ_ONS,  &PARTIJ_SQLITE_WAL, &PARTIJ_
                                       &PARTIJ_TDB};
 constexpr size_t AANTAL = std::size(PARTIJEN);
 constexpr size_t WAL = 1;  // the peer that the floors speak of
-constexpr int PROCESSEN = 4;
+constexpr int PROCESSEN = 4, TERMINALRONDES = 21;
 
 struct Opzet {
   std::string dir;
@@ -289,6 +291,16 @@ std::vector<Rij> alles() {
     naar("saldo");
     zeg("the balance's pass");
     for (Rij& r : saldo_meet(opzet.saldo)) rijen.push_back(r);
+  }
+  if (opzet.doen(9) || opzet.doen(10)) {
+    naar("demo");
+    zeg("a terminal");
+    for (Rij& r : scherm_meet(TERMINALRONDES)) rijen.push_back(r);
+  }
+  if (opzet.doen(11)) {
+    naar("merk");
+    zeg("one brand");
+    rijen.push_back(merk_meet(opzet.saldo / 20));
   }
   naar("machine");
   machine_sluit();
