@@ -1,0 +1,115 @@
+// The menu of voorraad as one table. A row without a command, or whose condition does not hold,
+// stands there dim; an inquiry user gets no rows at all. What the conditions ask is looked up once
+// each time that the menu is shown.
+#include "main/voorraad_menu.h"
+
+#include "isam/base.h"
+#include "main/controle.h"
+#include "main/saldo.h"
+#include "main/teksten.h"
+#include "scr/scr.h"
+#include "sub/datacom.h"
+#include "sub/serie_keuze.h"
+
+namespace {
+
+/// What must be there for a command to make sense.
+enum Nodig : uint8_t { VOORLOPIG = 1, DEFINITIEF = 2, DATACOM = 4, NIETS = 8 };
+enum class Recht : uint8_t { gewoon, beheer };
+
+struct Rij {
+  const Tekst* tekst;
+  uint8_t kolom;  // of a rubric; 0: a command
+  Nodig nodig;
+  void (*doe)();  // null: not in this program
+  Recht recht;
+};
+constexpr Rij rubriek(uint8_t kolom, const Tekst& t) {
+  return {&t, kolom, NIETS, nullptr, Recht::gewoon};
+}
+constexpr Rij keuze(const Tekst& t, void (*doe)(), Nodig nodig = NIETS,
+                    Recht recht = Recht::gewoon) {
+  return {&t, 0, nodig, doe, recht};
+}
+
+constexpr Rij MENU[] = {
+    rubriek(1, T_SALDO_RUBRIEK),
+    keuze(T_SELECTIE_EN_AFDRUKKEN, saldo_afdrukken, VOORLOPIG),
+
+    rubriek(1, T_MENU_ADVIEZEN),
+    keuze(T_MENU_SERIE_SELECTIE, serie_selectie),
+    keuze(T_MENU_AUTOMATISCH, nullptr),
+    keuze(T_MENU_HANDMATIG, nullptr),
+    keuze(T_MENU_INGEVEN, nullptr),
+    keuze(T_MENU_DRUK_SERIE, nullptr),
+    keuze(T_MENU_DRUK_ARTIKEL, nullptr),
+    keuze(T_MENU_VERKOPEN, nullptr),
+
+    rubriek(1, T_MENU_OPDRACHTEN),
+    keuze(T_AFDRUKKEN_VOORLOPIG, nullptr, VOORLOPIG),
+    keuze(T_MENU_NIEUWE, nullptr, VOORLOPIG),
+    keuze(T_MENU_BESTAANDE, nullptr, DEFINITIEF),
+    keuze(T_MENU_UITVOEREN, nullptr, VOORLOPIG),
+    keuze(T_MENU_CONTROLE, nullptr, DEFINITIEF),
+    keuze(T_MENU_LOCATIES, nullptr),
+    keuze(T_MENU_LOCATIE_SERIE, nullptr),
+    keuze(T_MENU_UITGEVOERDE, nullptr),
+
+    rubriek(2, T_MENU_VERZENDEN),
+    keuze(T_MENU_PER_NUMMER, nullptr),
+    keuze(T_MENU_ANNULEREN, nullptr),
+    keuze(T_MENU_AFWERKEN, nullptr),
+
+    rubriek(2, T_MENU_ONTVANGEN),
+    keuze(T_MENU_PER_NUMMER, nullptr),
+    keuze(T_MENU_BEVESTIGING, nullptr),
+
+    rubriek(2, T_MENU_DATACOM),
+    keuze(T_MENU_DC_SIGNAAL, nullptr, DATACOM),
+    keuze(T_MENU_DC_VERWERKEN, nullptr, DATACOM),
+    keuze(T_MENU_DC_WIJZIGEN, nullptr, DATACOM),
+    keuze(T_MENU_DC_WISSEN, nullptr, DATACOM, Recht::beheer),
+
+    rubriek(2, T_MENU_INSTELLEN),
+    keuze(T_MENU_WIS_VOORLOPIG, nullptr, VOORLOPIG),
+    keuze(T_MENU_WIS_VERZAMEL, nullptr, DEFINITIEF),
+    keuze(T_MENU_WIS_AANVUL, nullptr),
+    keuze(T_MENU_BEWAAR_AANVUL, nullptr),
+    keuze(T_MENU_STEL_CONTROLE, nullptr),
+};
+
+/// A menu item must have an operation; one that is not available is never called.
+void niets() {}
+
+uint8_t aanwezig() {
+  const int datacom = file_size(DC_BESTAND) > 0 ? DATACOM : 0;
+  return static_cast<uint8_t>(dtpick_soorten() | datacom | NIETS);
+}
+
+bool mag(Recht recht) {
+  return !alleen_raadplegen() && (recht == Recht::gewoon || terminal_rec.rechten == 'S');
+}
+
+void toon(const Rij& rij, int* kolom, uint8_t er) {
+  if (rij.kolom > *kolom) {
+    if (*kolom > 0) menu_column();
+    *kolom = rij.kolom;
+  }
+  if (rij.kolom != 0) return menu_rubric(mag(rij.recht), txt(*rij.tekst));
+  const bool kan = rij.doe != nullptr && (er & rij.nodig) != 0;
+  menu_item(mag(rij.recht), kan, txt(*rij.tekst), rij.doe != nullptr ? rij.doe : niets);
+}
+
+}  // namespace
+
+void voorraad_menu() {
+  int gedaan;
+  do {
+    const uint8_t er = aanwezig();
+    menu_begin(0);
+    hdr_line('E', "%s", txt(T_ADVIEZEN_EN_OPDRACHTEN));
+    int kolom = 0;
+    for (const Rij& rij : MENU) toon(rij, &kolom, er);
+    gedaan = menu_run();
+  } while (gedaan != 0);
+}
