@@ -23,15 +23,15 @@ struct Zending {
   uint8_t verzamel;  // 1 straight from stock, 0 a transfer entry
 };
 
-/// DTGO: the label on its way; a finished record of an earlier trip is replaced.
+/// DTGO: the label on its way; the record of an earlier trip is replaced. It is in go_rec too.
 void go_nieuw(int32_t etiket, const Zending&);
 /// True when the label has a transit record, which is then in go_rec.
 bool go_lees(int32_t etiket);
 /// Sets the finished mark of the label's record, or deletes it; nothing when it went meanwhile.
 void go_afwerken(int32_t etiket);
 void go_verwijder(int32_t etiket);
-/// DTFIN: a line of today's numbering from the branch that holds the label (`houder`); none when
-/// the holder is the destination already.
+/// DTFIN: a line, numbered per label and date, from the branch that holds the label (`houder`);
+/// none when the holder is the destination already.
 void fin_nieuw(int32_t etiket, uint8_t houder, const Zending&);
 /// Reverses the last line of the label when it is of this pair: a settled one gets a counter-line
 /// of `datum`, another is deleted. The branch where the label stands now: the line's holder, or
@@ -50,8 +50,9 @@ void kasmut_d();
 /// at its destination with the transit administration off; label written, ser_rec's date of the
 /// last movement raised to the send's. ser_rec is not written.
 void zend_etiket(int32_t nummer, Etiket*, const Zending&, bool kassa);
-/// A receipt nobody sent: DTFIN, DTIO, KASMUT.TXT; the label at its destination, written.
+/// A receipt nobody sent: DTFIN, DTIO, KASMUT.TXT; the label at its destination, written; the date
+/// as in a send.
 void ontvang_etiket(int32_t nummer, Etiket*, const Zending&);
 /// A corrected label (status 4, reason 0) is stock again: label in memory, counters of ser_rec,
-/// KASMUT.TXT. The caller writes the label.
-void etiket_terug_voorraad(Etiket*);
+/// KASMUT.TXT (when `kassa`). The caller writes the label, then the series.
+void etiket_terug_voorraad(Etiket*, bool kassa = true);

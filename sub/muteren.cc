@@ -1,0 +1,260 @@
+// The steps of a move of a piece between branches.
+//
+// A move writes to several files and may be broken off between any two writes. So the transit
+// record comes first, then the financial line, then the lines for the tills, and the label last: it
+// is the label that says where the piece is, and its one block is written at once. A move that was
+// broken off shows as a transit record that is not finished while its label is not on its way, and
+// no piece ever stands in another branch without the lines that account for it. The counters of the
+// series follow in its own record, under whose lock all of this happens.
+#include "sub/muteren.h"
+
+#include <algorithm>
+
+#include "isam/base.h"
+#include "main/iotab.h"
+#include "sub/tabellen.h"
+
+namespace {
+
+/// The series whose record is locked; the buffer may be changed or lost before it is let go.
+Serienr vaste_serie;
+
+/// Puts a table on a key and back on its own at the end of the scope.
+struct OpSleutel {
+  OpSleutel(ICB* tabel, int nieuw) : icb(tabel), oud(tabel->block.key_number) {
+    if (oud != nieuw) IXSWITCH(icb, nieuw);
+  }
+  ~OpSleutel() {
+    if (icb->block.key_number != oud && oud > 0) IXSWITCH(icb, oud);
+  }
+  OpSleutel(const OpSleutel&) = delete;
+  OpSleutel& operator=(const OpSleutel&) = delete;
+  ICB* icb;
+  int oud;
+};
+
+bool transit_aan() { return sys_rec20.transit != 0; }
+
+}  // namespace
+
+// The series --------------------------------------------------------------------------------------
+
+bool serie_wacht(const Serienr& nr) {
+  const OpSleutel sleutel(dtser, 1);
+  DtSer rec{};
+  rec.nr = vaste_serie = nr;
+  const bool er = IXREADL(dtser, &rec);
+  if (!er) {
+    rec = DtSer{};
+    rec.nr = nr;
+    IXRELEASE(dtser, &rec);  // what is not there stands in the queue of keys
+    rec = DtSer{};
+  }
+  ser_rec = rec;
+  return er;
+}
+
+bool serie_probeer(const Serienr& nr) {
+  const OpSleutel sleutel(dtser, 1);
+  DtSer rec{};
+  rec.nr = vaste_serie = nr;
+  ser_rec = DtSer{};
+  if (!IXREAD(dtser, &rec)) return false;
+  const int32_t plaats = dtser->record_no;
+  if (!IXLOCK(dtser, 3)) return false;
+  // Before the lock stood it may have been changed, or deleted and its slot used again.
+  rec = DtSer{};
+  rec.nr = nr;
+  if (!IXREAD(dtser, &rec) || dtser->record_no != plaats) {
+    dtser->record_no = plaats;
+    IXLOCK(dtser, 13);
+    return false;
+  }
+  ser_rec = rec;
+  return true;
+}
+
+void serie_schrijf() { IXWRITE(dtser, &ser_rec); }
+
+void serie_los() {
+  const OpSleutel sleutel(dtser, 1);
+  DtSer rec{};
+  rec.nr = vaste_serie;
+  IXRELEASE(dtser, &rec);
+}
+
+// Transit -----------------------------------------------------------------------------------------
+
+void go_nieuw(int32_t etiket, const Zending& z) {
+  DtGo rec{};
+  rec.vanfil = z.van;
+  rec.naarfil = z.naar;
+  rec.verzamel = z.verzamel;
+  rec.etiket = static_cast<uint32_t>(etiket);
+  rec.nr = ser_rec.nr;
+  rec.opdrachtnr = z.opdrachtnr;
+  rec.soort = 1;
+  rec.zenddatum = z.datum;
+  IXWRITE(dtgo, &rec);  // a label has one record: that of an earlier trip gives way
+  go_rec = rec;
+}
+
+bool go_lees(int32_t etiket) {
+  const OpSleutel sleutel(dtgo, 1);
+  go_rec = DtGo{};
+  go_rec.etiket = static_cast<uint32_t>(etiket);
+  if (IXREAD(dtgo, &go_rec)) return true;
+  go_rec = DtGo{};
+  return false;
+}
+
+namespace {
+
+/// The label's record for a change; when it is gone nothing stays locked.
+bool go_vast(int32_t etiket, DtGo* rec) {
+  *rec = DtGo{};
+  rec->etiket = static_cast<uint32_t>(etiket);
+  if (IXREADL(dtgo, rec)) return true;
+  *rec = DtGo{};
+  rec->etiket = static_cast<uint32_t>(etiket);
+  IXRELEASE(dtgo, rec);
+  return false;
+}
+
+}  // namespace
+
+void go_afwerken(int32_t etiket) {
+  const OpSleutel sleutel(dtgo, 1);
+  DtGo rec;
+  if (!go_vast(etiket, &rec)) return;
+  rec.afgewerkt = 1;
+  IXWRITE(dtgo, &rec);
+}
+
+void go_verwijder(int32_t etiket) {
+  const OpSleutel sleutel(dtgo, 1);
+  DtGo rec;
+  if (go_vast(etiket, &rec)) IXDELETE(dtgo, &rec);
+}
+
+// Financial lines ---------------------------------------------------------------------------------
+
+namespace {
+
+/// The last line of a label, up to and including those of `datum`; true when it has any.
+bool fin_laatste(int32_t etiket, uint16_t datum, DtFin* rec) {
+  const OpSleutel sleutel(dtfin, 2);
+  *rec = DtFin{};
+  rec->etiket = static_cast<uint32_t>(etiket);
+  rec->datum = datum;
+  rec->regel = UINT32_MAX;
+  return IXPREV(dtfin, rec, 1);
+}
+
+/// Numbers count per label and date, from 0.
+uint32_t fin_volgnummer(int32_t etiket, uint16_t datum) {
+  DtFin rec;
+  return fin_laatste(etiket, datum, &rec) && rec.datum == datum ? rec.regel + 1 : 0;
+}
+
+void fin_verwijder(const DtFin& regel) {
+  const OpSleutel sleutel(dtfin, 1);
+  DtFin rec = regel;
+  if (IXREADL(dtfin, &rec)) {
+    IXDELETE(dtfin, &rec);
+    return;
+  }
+  rec = regel;
+  IXRELEASE(dtfin, &rec);
+}
+
+}  // namespace
+
+void fin_nieuw(int32_t etiket, uint8_t houder, const Zending& z) {
+  if (houder == z.naar) return;
+  DtFin rec{};
+  rec.houder = houder;
+  rec.naarfil = z.naar;
+  rec.vanfil = z.van;
+  rec.soort = 1;
+  rec.datum = z.datum;
+  rec.nr = ser_rec.nr;
+  rec.etiket = static_cast<uint32_t>(etiket);
+  rec.regel = fin_volgnummer(etiket, z.datum);
+  IXWRITE(dtfin, &rec);
+}
+
+uint8_t fin_terug(int32_t etiket, uint8_t van, uint8_t naar, uint16_t datum) {
+  DtFin laatste;
+  if (!fin_laatste(etiket, UINT16_MAX, &laatste)) return van;
+  if (laatste.vanfil != van || laatste.naarfil != naar) return van;
+  const uint8_t houder = laatste.houder;
+  if (laatste.afgerekend == 0) {
+    fin_verwijder(laatste);
+    return houder;
+  }
+  DtFin tegen{};
+  tegen.houder = tegen.vanfil = laatste.naarfil;
+  tegen.naarfil = houder;
+  tegen.soort = 1;
+  tegen.datum = datum;
+  tegen.nr = laatste.nr;
+  tegen.etiket = laatste.etiket;
+  tegen.regel = fin_volgnummer(etiket, datum);
+  IXWRITE(dtfin, &tegen);
+  return houder;
+}
+
+// Receipts ----------------------------------------------------------------------------------------
+
+void io_nieuw(int32_t etiket, const Zending& z, uint8_t onderweg) {
+  DtIo rec{};
+  rec.naarfil = z.naar;
+  rec.vanfil = z.van;
+  rec.datum = z.datum;
+  rec.etiket = static_cast<uint32_t>(etiket);
+  rec.opdrachtnr = z.opdrachtnr;
+  rec.registratie = date_today();
+  rec.onderweg = onderweg;
+  IXWRITE(dtio, &rec);
+  io_rec = rec;
+}
+
+// Whole moves -------------------------------------------------------------------------------------
+
+namespace {
+
+/// The label's last write of a move.
+void schrijf(int32_t nummer, Etiket* e, uint16_t datum) {
+  ioeti('W', &nummer, e);
+  ser_rec.datum_mutatie = std::max<uint16_t>(ser_rec.datum_mutatie, datum);
+}
+
+}  // namespace
+
+void zend_etiket(int32_t nummer, Etiket* e, const Zending& z, bool kassa) {
+  go_nieuw(nummer, z);
+  fin_nieuw(nummer, e->filiaal, z);
+  if (kassa) kasmut_f(nummer, z.van, z.naar);
+  e->filiaal = transit_aan() ? z.van : z.naar;
+  e->onderweg = transit_aan() ? 1 : 0;
+  e->doel = transit_aan() ? z.naar : uint8_t{0};
+  schrijf(nummer, e, z.datum);
+}
+
+void ontvang_etiket(int32_t nummer, Etiket* e, const Zending& z) {
+  fin_nieuw(nummer, e->filiaal, z);
+  io_nieuw(nummer, z, 0);
+  kasmut_f(nummer, z.van, z.naar);
+  e->filiaal = z.naar;
+  e->onderweg = e->doel = 0;
+  schrijf(nummer, e, z.datum);
+}
+
+void etiket_terug_voorraad(Etiket* e, bool kassa) {
+  e->status = ETI_VOORRAAD;
+  e->vrkdat = 0;
+  ++ser_rec.voorraad;
+  if (ser_rec.correcties > 0) --ser_rec.correcties;
+  if (kassa) kasmut_d();
+}
