@@ -188,8 +188,12 @@ bool IXSKIP(ICB*, void* rec, int n, int steps, int32_t* number);
 // Writing.
 bool IXWRITE(ICB*, void* rec);      // updates or inserts by key 1 and unlocks
 bool IXWRITEKEEP(ICB*, void* rec);  // the same, keeping the lock
-bool IXDELETE(ICB*, void* rec);     // the record just read; always answers false
-void IXPUTREC(ICB*, void* rec);     // rewrites the slot under a lock held; no key may differ
+/// Rewrites the record that IXREADL holds, whichever of its keys differ, key 1 too, and unlocks:
+/// one change of the slot, so whoever dies in it leaves the old record or the new one. False and
+/// nothing changed, the lock included, when another record has that key 1 or no record is held.
+bool IXUPDATE(ICB*, void* rec);
+bool IXDELETE(ICB*, void* rec);  // the record just read; always answers false
+void IXPUTREC(ICB*, void* rec);  // rewrites the slot under a lock held; no key may differ
 
 // Keys.
 void IXSWITCH(ICB*, int key_number);

@@ -57,12 +57,15 @@ void voeg_toe(ICB* icb, const void* rec) {
   IXLOCK(icb, 14);
 }
 
+bool alleen_lezen(const ICB* icb) {
+  if (icb->mode != IX_LEES) return false;
+  FFLASH(-1, 2, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_ALLEEN_LEZEN));
+  return true;
+}
+
 bool schrijf(ICB* icb, void* rec, bool los) {
   ix_test(icb, "IXW");
-  if (icb->mode == IX_LEES) {
-    FFLASH(-1, 2, 0, txt(T_IX_WAARSCHUWING), txt(T_IX_ALLEEN_LEZEN));
-    return true;
-  }
+  if (alleen_lezen(icb)) return true;
   const bool gedeeld = icb->mode == IX_GEDEELD;
   const int sleutel = ix_huidig(icb);
   IXSWITCH(icb, 1);
@@ -110,6 +113,24 @@ int32_t zoek_zeker(ICB* icb, int lengte) {
 
 bool IXWRITE(ICB* icb, void* rec) { return schrijf(icb, rec, true); }
 bool IXWRITEKEEP(ICB* icb, void* rec) { return schrijf(icb, rec, false); }
+
+bool IXUPDATE(ICB* icb, void* rec) {
+  ix_test(icb, "IXUPDATE");
+  const int32_t nummer = icb->record_no;
+  if (nummer < 0 || alleen_lezen(icb)) return false;
+  const bool gedeeld = icb->mode == IX_GEDEELD;
+  const int sleutel = ix_huidig(icb), lengte = icb->keys[0].key_length;
+  IXSWITCH(icb, 1);
+  if (gedeeld) ix_kop_open(icb);
+  IXBLDKEY(icb, rec, lengte);
+  const int32_t houder = ix_zoek_blad(icb, '=', lengte);
+  // The keys go first and the record last: until it is written a rebuild finds the old one.
+  const bool goed = (houder < 0 || houder == nummer) && werk_bij(icb, rec);
+  if (gedeeld) ix_kop_dicht(icb);
+  if (gedeeld && goed) IXLOCK(icb, 13);
+  IXSWITCH(icb, sleutel);
+  return goed;
+}
 
 bool IXREADL(ICB* icb, void* rec) {
   ix_test(icb, "IXBLDKEY");

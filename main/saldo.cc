@@ -10,6 +10,7 @@
 #include "main/saldo_pas.h"
 #include "main/teksten.h"
 #include "main/verzamel.h"
+#include "main/werktabel.h"
 #include "prt/prt.h"
 #include "scr/scr.h"
 #include "sub/adv_krit.h"
@@ -50,29 +51,6 @@ void selecteer_series() {
   sel_scherm();  // however it is left, the last selection is used
   stel_lijst_in();
   overlay_maak();
-}
-
-bool tpck_bruikbaar() {
-  const std::string txt_naam = str_format("%s%s", privaat.tpck, ".TXT");
-  if (!file_exists(txt_naam.c_str())) return false;
-  if (IXCHECK(privaat.tpck) < 0) return false;
-  ICB* icb = IXOPEN(privaat.tpck, IX_LEES);
-  const bool goed = icb->record_length == TABEL_TPCK.lengte;
-  IXCLOSE(icb);
-  return goed;
-}
-
-/// The advice commands gather their lines in these two; they stand as long as the menu does.
-void werktabellen_open() {
-  if (!tpck_bruikbaar()) tabel_maak(TABEL_TPCK, privaat.tpck);
-  tabel_maak(TABEL_TMPGO, privaat.tmpgo);
-  tpck = IXOPEN_LENGTE(privaat.tpck, IX_GEDEELD, TABEL_TPCK.lengte);
-}
-void werktabellen_sluit() {
-  IXCLOSE(tpck);
-  tpck = nullptr;
-  IXREMOVE(privaat.tpck);
-  IXREMOVE(privaat.tmpgo);
 }
 
 }  // namespace

@@ -68,10 +68,14 @@ bool maak_definitief(Pas& pas) {
     IXRELEASE(dtpick, &pick_rec);
     return false;
   }
-  IXDELETE(dtpick, &pick_rec);
+  DtPick oud = pick_rec;
   pick_rec.opdrachtnr = paar->second;
   pick_rec.orderdatum = date_today();
+  if (IXUPDATE(dtpick, &pick_rec)) return true;
+  // The counter has come round to an order of long ago that was never dropped: this line takes its
+  // place, and only then goes itself.
   IXWRITE(dtpick, &pick_rec);
+  if (IXREADL(dtpick, &oud)) IXDELETE(dtpick, &oud);
   return true;
 }
 
