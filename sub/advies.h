@@ -47,14 +47,18 @@ enum class AdvRegel : uint8_t {
   verdeel_eerlijk,  // a distribution by fair share
   verdeel_rest,     // what is left goes to the keeper
 };
-/// Why a branch that could have had the piece did not get it.
+/// Why a branch that could have had the piece (or, the last, have given it) did not.
 enum class AdvReden : uint8_t {
-  geen_vraag,
+  geen,            // nothing stands in its way
+  geen_ontvanger,  // may not receive, or never had anything of the series
   geen_streef,
+  geen_vraag,
   genoeg,
-  geen_ontvanger,
-  lagere_stand,
-  aan_zichzelf
+  aan_zichzelf,
+  lagere_stand,  // another had the higher claim
+  later,         // comes later in the service order
+  al_gehad,      // had its turn
+  minder_vrij    // could have given, but another can better
 };
 struct AdvGepasseerd {
   uint8_t filiaal;
@@ -77,11 +81,11 @@ struct Advies {
   uint8_t adv_kenmerk = 0;
   AdvGroep groep;
   uint8_t bron_soort = 3;
-  std::bitset<256> bron, doel;        // may give, may receive; cut at B
-  std::vector<uint8_t> adv_volgorde;  // the service order
-  std::vector<uint8_t> maten;         // size indexes of the series in size-bar order
-  char model[15] = {};                // of the series: the fair-share score belongs to it
-  Verdeelstand verdeel;
+  std::bitset<256> bron, doel;         // may give, may receive; cut at B
+  std::vector<uint8_t> adv_volgorde;   // the service order
+  std::vector<uint8_t> maten;          // size indexes of the series in size-bar order
+  char model[15] = {};                 // of the series: the fair-share score belongs to it
+  Verdeelstand verdeel, verdeel_voor;  // the score, and as it was before this series
   std::vector<AdvStap>* spoor = nullptr;
 
   int filialen() const { return static_cast<int>(m_voorraad.size()) - 1; }
@@ -104,7 +108,7 @@ void adv_verzamelingen(Advies&, const uint8_t* vanuit, const uint8_t* aanvul,
 /// Pieces that a branch will have, and that it can give. `s` 0 is the sum.
 int32_t eigen(const Advies&, int b, int s);
 int32_t vrij(const Advies&, int b, int s);
-/// 0 without a warehouse.
+/// What the warehouse can give, the minimum of a selling one left out. 0 without a warehouse.
 int32_t vrij_magazijn(const Advies&, int s);
 
 // The steps; `vraag` is m_aanvul, m_vrk_periode or m_verkocht, `r` one of the results.
@@ -124,7 +128,7 @@ void adv_automatisch(Advies&);
 /// All three results and the flags. True when the series shows a kind that `krit` asks for. `vraag`
 /// is the demand of the command: m_aanvul in manual creation, else m_vrk_periode.
 bool adv_bereken(Advies&, const AdvRec& krit, const MaatMatrix& vraag);
-/// No entry but zeros in the series' sizes.
+/// No entry but zeros in the series' sizes. The chain's row of a result stays zero.
 bool adv_leeg(const Advies&, const MaatMatrix&);
 
 /// Why `filiaal` gets or gives what it does of `maat` in result `r` (one of r_aanvul, r_switch,
