@@ -37,7 +37,8 @@ void stel_lijst_in() {
   saldo_splits = true;
 }
 
-/// Fills DTSER.Onn with the series that pass and looks series up through it from now on.
+}  // namespace
+
 void overlay_maak() {
   if (dtser_o != nullptr) IXCLOSE(dtser_o);
   dtser_o = nullptr;
@@ -52,8 +53,6 @@ void selecteer_series() {
   stel_lijst_in();
   overlay_maak();
 }
-
-}  // namespace
 
 int dtpick_soorten() {
   const int sleutel = dtpick->block.key_number;

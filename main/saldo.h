@@ -14,5 +14,12 @@ extern uint32_t saldo_opdrachtnr;
 extern bool saldo_splits;  // per receiving branch
 extern char saldo_sort[11];
 
+/// Fills DTSER.Onn with the series of the last selection and looks series up through it from now
+/// on.
+void overlay_maak();
+/// The selection screen, then overlay_maak; both branch maps of adv_rec all ones, sorted "AKV",
+/// split per receiving branch.
+void selecteer_series();
+
 /// Unattended: all series, session 99, report lines to `uit`. False when function 10 is held.
 bool saldo_onbewaakt(FILE* uit);
