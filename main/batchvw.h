@@ -20,3 +20,11 @@ struct Werkclaim {
   Werkclaim& operator=(const Werkclaim&) = delete;
   int functie;
 };
+/// The same for a claim on the whole function.
+struct Werkclaim_excl {
+  explicit Werkclaim_excl(int f) : functie(f) {}
+  ~Werkclaim_excl() { vw_free_excl(functie); }
+  Werkclaim_excl(const Werkclaim_excl&) = delete;
+  Werkclaim_excl& operator=(const Werkclaim_excl&) = delete;
+  int functie;
+};

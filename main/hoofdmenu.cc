@@ -11,6 +11,7 @@
 #include "isam/base.h"
 #include "isam/ix.h"
 #include "main/controle.h"
+#include "main/gebruikers.h"
 #include "main/teksten.h"
 #include "scr/scr.h"
 #include "sub/records.h"
@@ -76,14 +77,20 @@ void laad() {
 }  // namespace
 
 const char* hoofdmenu() {
-  laad();
-  gekozen = -1;
-  menu_begin(0);
-  hdr_line('E', "%s", txt(T_HOOFDMENU));
-  for (size_t i = 0; i < programmas.size(); ++i) {
-    if (i == REGELS) menu_column();
-    menu_item(true, true, programmas[i].titel.c_str(), KIEZERS[i]);
+  for (;;) {
+    laad();
+    gekozen = -1;
+    menu_begin(0);
+    hdr_line('E', "%s", txt(T_HOOFDMENU));
+    for (size_t i = 0; i < programmas.size(); ++i) {
+      if (i == REGELS) menu_column();
+      menu_item(true, true, programmas[i].titel.c_str(), KIEZERS[i]);
+    }
+    if (terminal_rec.rechten == 'S') {
+      menu_gap();
+      menu_item(true, true, txt(T_GEBRUIKERS), gebruikers_lijst);
+    }
+    if (menu_run() == 0) return nullptr;
+    if (gekozen >= 0) return programmas[static_cast<size_t>(gekozen)].naam.c_str();
   }
-  if (menu_run() == 0 || gekozen < 0) return nullptr;
-  return programmas[static_cast<size_t>(gekozen)].naam.c_str();
 }
