@@ -1,0 +1,139 @@
+// "Automatisch aanmaken": the provisional orders of a chain straight from the information on sold
+// labels. It has the order lines to itself; series are locked one at a time.
+#include "isam/ix.h"
+#include "main/batchvw.h"
+#include "main/controle.h"
+#include "scr/scr.h"
+#include "sub/adv_krit.h"
+#include "sub/adv_loop.h"
+#include "sub/adv_opdracht.h"
+#include "sub/adv_vul.h"
+#include "sub/muteren.h"
+#include "sub/tabellen.h"
+#include "sub/teksten.h"
+
+namespace {
+
+constexpr int F_ADVIES = 9, F_OPDRACHT = 10;  // work functions
+constexpr int KEY_PAREN = 3;                  // DTPICK by branch pair and order number
+constexpr int VOORLOPIG = 1, DEFINITIEF = 2;
+constexpr Serienr VOORBIJ{UINT32_MAX, UINT16_MAX, UINT16_MAX};
+
+/// DTPICK by branch pair as long as it lives.
+struct OpParen {
+  OpParen() : sleutel(dtpick->block.key_number) { IXSWITCH(dtpick, KEY_PAREN); }
+  ~OpParen() { IXSWITCH(dtpick, sleutel); }
+  OpParen(const OpParen&) = delete;
+  OpParen& operator=(const OpParen&) = delete;
+  int sleutel;
+};
+
+/// Which kinds of lines there are; the provisional ones stand first of each pair.
+int soorten_regels() {
+  const OpParen paren;
+  DtPick regel{};
+  int soorten = 0;
+  for (bool er = IXFIRSTR(dtpick, &regel); er && soorten != (VOORLOPIG | DEFINITIEF);
+       er = IXNEXT(dtpick, &regel)) {
+    soorten |= regel.opdrachtnr == 0 ? VOORLOPIG : DEFINITIEF;
+    regel.nr = VOORBIJ;
+  }
+  return soorten;
+}
+
+/// Deletes the provisional lines of all series. The bar follows the sending branch: how many lines
+/// are to come is not known.
+void voorlopige_weg() {
+  const OpParen paren;
+  ix_hooks.voortgang(txt(T_ADVO_BEZIG_VERWIJDEREN), 0, filialen());
+  DtPick regel{};
+  for (bool er = IXFIRSTR(dtpick, &regel); er; er = IXNEXT(dtpick, &regel)) {
+    ix_hooks.voortgang(nullptr, regel.vanfil, filialen());
+    if (regel.opdrachtnr != 0) {
+      regel.opdrachtnr = UINT32_MAX;  // on to the next pair
+      regel.nr = VOORBIJ;
+    } else if (IXREADL(dtpick, &regel)) {
+      IXDELETE(dtpick, &regel);
+    } else {
+      IXRELEASE(dtpick, &regel);
+    }
+  }
+  ix_hooks.voortgang(nullptr, 0, 0);
+}
+
+bool vraag(const Tekst& feit, const Tekst& vraagtekst) {
+  return FFLASH(-2, 1, 0, "", str_format("%s\n%s", txt(feit), txt(vraagtekst)).c_str()) != 0;
+}
+
+/// What stands of earlier orders: gone, or accepted by the operator. False ends the command.
+bool opdrachten_akkoord() {
+  const int soorten = soorten_regels();
+  if ((soorten & VOORLOPIG) != 0) {
+    if (!vraag(T_ADVO_NOG_VOORLOPIG, T_ADVO_VERWIJDEREN)) return false;
+    voorlopige_weg();
+  }
+  return (soorten & DEFINITIEF) == 0 || vraag(T_ADVO_NOG_DEFINITIEF, T_ADVO_TOCH);
+}
+
+/// One series, locked while it is worked on.
+bool maak_opdracht(const Serienr& nr) {
+  if (!serie_wacht(nr)) return true;  // unknown: its information stays for who cleans up
+  const bool geheel = adv_vul();
+  if (geheel) {
+    adv_automatisch(advies);
+    if (!adv_leeg(advies, advies.r_aanvul)) {
+      advies.m_voorlopig = advies.r_aanvul;
+      opdracht_schrijven();
+    }
+  }
+  serie_los();
+  return geheel;
+}
+
+/// Stays on the row above the number until the end, so that it can be read.
+void meld_onleesbaar(const Serienr& nr) {
+  if (scr_ctx == nullptr) return;
+  const int rij = scr_ctx->lines - 1;
+  scr_clreol(rij, 1);
+  scr_print(A_WAARDE, rij, 1, "%s  %s", serie_tekst(nr), txt(T_ADVO_ONLEESBAAR));
+}
+
+}  // namespace
+
+void adv_aanv_reeks(bool (*doe)(const Serienr&)) {
+  int kolom = 0, onleesbaar = 0;
+  if (scr_ctx != nullptr) {
+    scr_clrbot(scr_ctx->lines - 1, 1);
+    kolom = 2 + scr_print(A_LABEL, scr_ctx->lines, 1, "%s", txt(T_ADVO_SERIENUMMER));
+  }
+  DtAanv regel{};
+  for (bool er = IXFIRSTR(dtaanv, &regel); er; er = IXNEXT(dtaanv, &regel)) {
+    if (scr_ctx != nullptr) {
+      if (scr_interrupted()) break;
+      scr_print(A_WAARDE, scr_ctx->lines, kolom, "%s", serie_sleutel(regel.nr));
+    }
+    const Serienr nr = regel.nr;
+    if (!doe(nr)) {
+      ++onleesbaar;
+      meld_onleesbaar(nr);
+    }
+    regel.etiket = UINT32_MAX;  // past the series' other labels
+  }
+  if (onleesbaar > 0 && scr_ctx != nullptr) {
+    msg_waarschuw(str_format("%d %s", onleesbaar, txt(T_ADVO_SERIES_OVERGESLAGEN)).c_str(),
+                  txt(T_ADVO_ONLEESBAAR));
+  }
+}
+
+void opdracht_automatisch() {
+  hdr_line('C', "%s", txt(T_ADVO_AUTOMATISCH));
+  if (!vw_claim(F_ADVIES, true)) return;
+  const Werkclaim claim(F_ADVIES);
+  const bool alleen = vw_claim_excl(F_OPDRACHT);
+  if (alleen && opdrachten_akkoord() && adv_dialoog_slot()) {
+    scr_intr_reset();
+    const AdvOpen open;
+    adv_aanv_reeks(maak_opdracht);
+  }
+  vw_free_excl(F_OPDRACHT);
+}
