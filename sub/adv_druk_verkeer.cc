@@ -36,7 +36,7 @@ struct Grens {
   const uint8_t* filialen;
 };
 struct Telling {
-  Grens grens;
+  Grens grens{};
   Verkopen verkopen{};
   bool gedrukt = false;  // any line
   // The owner of the last block with sales: blocks of a series mostly follow each other.
@@ -158,7 +158,8 @@ bool vraag(uint16_t* van, uint16_t* tm, uint8_t* map) {
 }  // namespace
 
 bool vrk_verkeer_druk(uint16_t van, uint16_t tm, const uint8_t filialen_map[32]) {
-  Telling t{{van, tm, filialen_map}};
+  Telling t;
+  t.grens = {van, tm, filialen_map};
   tel(t);
   druk(t);
   return t.gedrukt;
