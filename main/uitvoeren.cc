@@ -1,0 +1,196 @@
+// "Uitvoeren adviezen": what the provisional order lines of selected series ask for is sent
+// straight from stock, and the search lists tell the branches which labels to look for.
+//
+// The run may be broken off between any two writes. A label leaves by itself (see sub/muteren), and
+// the line on disk asks for one piece less before it does: whoever runs the command again sends
+// what is left, never a piece twice. The line goes last.
+#include <cstring>
+#include <map>
+#include <utility>
+
+#include "isam/base.h"
+#include "main/batchvw.h"
+#include "main/saldo.h"
+#include "main/saldo_pas.h"
+#include "main/teksten.h"
+#include "main/zoeklijst.h"
+#include "prt/prt.h"
+#include "scr/scr.h"
+#include "sub/adv_krit.h"
+#include "sub/bitarr.h"
+#include "sub/ioeti.h"
+#include "sub/muteren.h"
+#include "sub/opdrnr.h"
+#include "sub/tabellen.h"
+
+namespace {
+
+constexpr int KEY_SERIE = 2;  // DTPICK by series, sending and receiving branch
+constexpr int SERIEVELDEN = 3;
+
+struct Pas {
+  std::map<std::pair<uint8_t, uint8_t>, uint32_t> paren;  // order numbers of the run
+  int kolom = 1;                                          // of the progress on the last row
+  bool gezocht = false, gevonden = false;                 // of the group's series
+};
+
+struct Stuk {
+  int32_t nummer;
+  Etiket etiket;
+};
+
+void toon_label(Pas& pas) {
+  const char* label = txt(T_SERIENUMMER);
+  pas.kolom = static_cast<int>(strlen(label)) + 2;
+  if (scr_ctx == nullptr) return;
+  scr_clreol(scr_ctx->lines, 1);
+  scr_print(A_LABEL, scr_ctx->lines, 1, "%s", label);
+}
+void toon_serie(const Pas& pas, const Serienr& nr) {
+  if (scr_ctx != nullptr) scr_print(A_WAARDE, scr_ctx->lines, pas.kolom, "%s", serie_sleutel(nr));
+}
+
+/// Whether the group's series is selected; looked up once.
+bool serie_gekozen(Pas& pas) {
+  if (pas.gezocht) return pas.gevonden;
+  pas.gezocht = true;
+  DtSer rec{};
+  rec.nr = pick_rec.nr;
+  pas.gevonden = IXREAD(dtser_opzoek, &rec);
+  if (pas.gevonden) toon_serie(pas, pick_rec.nr);
+  return pas.gevonden;
+}
+
+/// A line between two branches of the chain; others are passed over.
+bool paar_bestaat(const DtPick& regel) {
+  const size_t b = werk8.size() - 1;
+  return regel.vanfil < b && regel.naarfil < b && regel.vanfil != regel.naarfil;
+}
+
+uint32_t ordernummer(Pas& pas) {
+  const uint8_t tweede = saldo_splits ? pick_rec.naarfil : static_cast<uint8_t>(werk8.size() - 1);
+  const auto [paar, nieuw] = pas.paren.try_emplace({pick_rec.vanfil, tweede}, 0);
+  if (nieuw) paar->second = opdrnr_nieuw();
+  return paar->second;
+}
+
+/// The labels in stock that serve a line, first to last. The whole chain is read before anything
+/// is written: one that leads to another series ends the run here.
+std::vector<Stuk> zoek_stukken(const DtPick& regel) {
+  uint32_t wens[MATEN];
+  memcpy(wens, regel.aantal, sizeof wens);
+  std::vector<Stuk> uit;
+  const Serienr nr = ser_rec.nr;
+  eti_eigenaar(&nr);
+  int32_t nummer = ser_rec.blok1;
+  Etiket e{};
+  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
+    const bool past = e.status == ETI_VOORRAAD && e.onderweg == 0 && e.filiaal == regel.vanfil;
+    if (!past || e.maat == 0 || e.maat >= MATEN || wens[e.maat] == 0) continue;
+    --wens[e.maat];
+    uit.push_back({nummer, e});
+  }
+  eti_eigenaar(nullptr);
+  return uit;
+}
+
+/// The line in pick_rec again, locked; false when it went away meanwhile.
+bool regel_vast() {
+  const DtPick gezocht = pick_rec;
+  if (IXREADL(dtpick, &pick_rec)) return true;
+  pick_rec = gezocht;
+  IXRELEASE(dtpick, &pick_rec);
+  return false;
+}
+
+void verzend(const Stuk& stuk, const Zending& z) {
+  --pick_rec.aantal[stuk.etiket.maat];
+  IXPUTREC(dtpick, &pick_rec);
+  IXLOCK(dtpick, 3);
+  Etiket e = stuk.etiket;
+  zend_etiket(stuk.nummer, &e, z, ser_rec.maatregistratie == 0);
+}
+
+/// One provisional line of a selected series: sends, and takes the line away.
+void voer_uit(Pas& pas) {
+  if (!serie_wacht(pick_rec.nr)) {
+    pas.gevonden = false;
+    return;
+  }
+  if (!regel_vast()) return serie_los();
+  uint32_t gevraagd[MATEN];
+  memcpy(gevraagd, pick_rec.aantal, sizeof gevraagd);
+  const std::vector<Stuk> stukken = zoek_stukken(pick_rec);
+  const Zending z{pick_rec.vanfil, pick_rec.naarfil, ordernummer(pas), date_today(), 1};
+  for (const Stuk& stuk : stukken) verzend(stuk, z);
+  if (stukken.empty())
+    serie_los();
+  else
+    serie_schrijf();
+  matrix_add(werk8, pick_rec.naarfil, std::span<const uint32_t, MATEN>(gevraagd));
+  IXDELETE(dtpick, &pick_rec);
+}
+
+/// All lines of the series whose first line stands in pick_rec.
+void neem_groep(Pas& pas) {
+  const Serienr nr = pick_rec.nr;
+  bool iets = false;
+  matrix_wis(werk8);
+  pas.gezocht = pas.gevonden = false;
+  do {
+    if (!bit_test(adv_rec.vanuit_filialen, pick_rec.vanfil)) {
+      pick_rec.naarfil = FILIAAL_SPRONG;  // the next read skips the rest of this sending branch
+    } else if (bit_test(adv_rec.aanvul_filialen, pick_rec.naarfil) && pick_rec.opdrachtnr == 0 &&
+               paar_bestaat(pick_rec) && serie_gekozen(pas)) {
+      voer_uit(pas);
+      iets = true;
+    }
+  } while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec, SERIEVELDEN));
+  if (iets) aanv_afboek(nr);
+}
+
+}  // namespace
+
+std::vector<Uitvoering> uitvoer_pas() {
+  Pas pas;
+  toon_label(pas);
+  const int sleutel = dtpick->block.key_number;
+  IXSWITCH(dtpick, KEY_SERIE);
+  memset(&pick_rec, 0, sizeof pick_rec);
+  while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec)) neem_groep(pas);
+  IXSWITCH(dtpick, sleutel);
+  std::vector<Uitvoering> uit;
+  for (const auto& [paar, nummer] : pas.paren) {
+    uit.push_back({paar.first, saldo_splits ? int{paar.second} : -1, nummer});
+  }
+  return uit;
+}
+
+void uitvoer_lijsten(const std::vector<Uitvoering>& orders) {
+  for (const Uitvoering& order : orders) {
+    zoek_maak(ZoekTabel::zoek, saldo_sort);
+    zoek_vul(order.van, order.naar, order.nummer);
+    zoeklijst(OpdrachtSoort::zoeklijst, order.nummer);
+  }
+  IXREMOVE(privaat.tp);
+}
+
+void adviezen_uitvoeren() {
+  hdr_line('C', "%s", txt(T_MENU_UITVOEREN));
+  if (!vw_claim_excl(9)) return;
+  const Werkclaim_excl claim9(9);
+  if (!vw_claim_excl(10)) return;
+  const Werkclaim_excl claim10(10);
+  if (!vw_claim(11, true)) return;
+  const Werkclaim claim11(11);
+  if (!vw_claim(12, true)) return;
+  const Werkclaim claim12(12);
+  adv_rec = adv_sets[ADV_SALDO];
+  saldo_opdrachtnr = 0;
+  selecteer_series();
+  adv_sets[ADV_SALDO] = adv_rec;
+  const std::vector<Uitvoering> orders = uitvoer_pas();
+  if (orders.empty() || !XPRT_OPEN(PRT_SCHERM, PRT_132, nullptr)) return;
+  uitvoer_lijsten(orders);
+  print_close("");
+}
