@@ -1,5 +1,4 @@
-// The list of where series lie in the warehouses, and the location of one series. The texts of the
-// list are fixed and pass no catalogue.
+// The list of where series lie in the warehouses, and the location of one series.
 #include "main/magazijn.h"
 
 #include <cstring>
@@ -68,7 +67,7 @@ int locaties_vul(int filiaal) {
   ICB* tabel = IXOPEN_LENGTE(bestand().c_str(), IX_EXCLUSIEF, sizeof(Locatie));
   const int sleutel = dtser->block.key_number;
   IXSWITCH(dtser, 1);
-  toon("Sorteren");
+  toon(txt(T_MAG_SORTEREN));
   int aantal = 0;
   DtSer serie{};
   while (IXNEXT(dtser, &serie)) {
@@ -96,11 +95,12 @@ int locaties_vul(int filiaal) {
 namespace {
 
 void kop(uint8_t filiaal) {
-  print_head(prt_links, "%s%d", "LOCATIES MAGAZIJN ", filiaal);
-  print_f("%-26.26s %-7.7s %-14.14s   %3s   %3s   %3s ", "artikelgroep", "locatie", "serienummer",
-          "NOT", "VRD", "INV");
-  print_f("%-19.19s %-15.15s %-12.12s %-12.12s %-2.2s", "merk", "model", "materiaal", "dessin",
-          "km");
+  print_head(prt_links, "%s%d", txt(T_MAG_KOP), filiaal);
+  print_f("%-26.26s %-7.7s %-14.14s ", txt(T_MAG_ARTIKELGROEP), txt(T_OPDRUK_LOCATIE),
+          txt(T_MAG_SERIENUMMER));
+  print_f("%5.5s %5.5s %5.5s ", txt(T_MAG_NOT), txt(T_MAG_VRD), txt(T_MAG_INV));
+  print_f("%-19.19s %-15.15s ", txt(T_OPDRUK_MERK), txt(T_OPDRUK_MODEL));
+  print_f("%-12.12s %-12.12s %-2.2s", txt(T_OPDRUK_MATERIAAL), txt(T_OPDRUK_DESSIN), txt(T_MAG_KM));
   print_nl();
   print_rep(132, '-');
   print_nl();
@@ -130,7 +130,7 @@ void druk_rij(const Locatie& rij) {
 void locaties_druk() {
   ICB* tabel = IXOPEN_LENGTE(bestand().c_str(), IX_EXCLUSIEF, sizeof(Locatie));
   const int bladzij = prt_rec.page_lines > 0 ? prt_rec.page_lines : EINDELOOS;
-  toon("Afdrukken");
+  toon(txt(T_MAG_AFDRUKKEN));
   int vorige = -1;
   Locatie rij{};
   while (IXNEXT(tabel, &rij) && !scr_interrupted()) {

@@ -1,6 +1,6 @@
 // The search list and the list of cancelled mutations on paper: per pair of branches and series one
 // line a label, or a line a size where pieces have no labels; beside the first two lines of a
-// series what one looks for it by. The texts of both lists are fixed and pass no catalogue.
+// series what one looks for it by.
 #include "main/zoeklijst.h"
 
 #include <string>
@@ -9,6 +9,7 @@
 #include "isam/ix.h"
 #include "main/controle.h"
 #include "main/iofil.h"
+#include "main/teksten.h"
 #include "prt/prt.h"
 #include "sub/leesstam.h"
 #include "sub/tabellen.h"
@@ -56,20 +57,21 @@ void filiaalregel(const char* woord, uint8_t filiaal) {
 
 std::string koptekst(OpdrachtSoort soort, const Zoekregel& r) {
   // Of the cancelled mutations the head names the receiver only; the sender stands below it.
-  if (soort == OpdrachtSoort::geannuleerd) return str_format("%s %d", "-> FILIAAL", r.naarfil);
-  return str_format("%s %d ", "ZOEKLIJST, FILIAAL", r.vanfil) +
-         str_format("-> %s %d", "FILIAAL", r.naarfil);
+  if (soort == OpdrachtSoort::geannuleerd)
+    return str_format("%s %d", txt(T_GEANNULEERD_FILIAAL), r.naarfil);
+  return str_format("%s %d ", txt(T_ZOEKLIJST_FILIAAL), r.vanfil) +
+         str_format("-> %s %d", txt(T_ZOEKLIJST_NAAR_FILIAAL), r.naarfil);
 }
 
 void kop(const Lijst& l, const Zoekregel& r) {
   print_head(prt_links, "%s", koptekst(l.soort, r));
   if (l.opdrachtnr != 0) {
-    print_f("%s ", "Opdrachtnummer");
+    print_f("%s ", txt(T_OPDRACHTNUMMER));
     print_f("%lu", l.opdrachtnr);
     print_nl();
   }
-  filiaalregel("Van", r.vanfil);
-  filiaalregel("Naar", r.naarfil);
+  filiaalregel(txt(T_OPDRUK_VAN), r.vanfil);
+  filiaalregel(txt(T_ZOEKLIJST_NAAR), r.naarfil);
 }
 
 /// A new page when fewer than `regels` lines remain on this one.
@@ -167,7 +169,7 @@ void druk_totaal(const Lijst& l, const Zoekregel& paar) {
   print_rep(109, '-');
   print_nl();
   print_rep(15, ' ');
-  print_f("%-9.9s", "Totaal");
+  print_f("%-9.9s", txt(T_OPDRUK_TOTAAL));
   print_f("%6s", l.etiketten == 0 ? std::string() : str_format("%d", l.etiketten));
   if (l.stuks != 0) print_f("%6s", str_format("%d", l.stuks));
   print_nl();
