@@ -7,6 +7,7 @@
 #include "main/controle.h"
 #include "main/saldo.h"
 #include "main/teksten.h"
+#include "main/werktabel.h"
 #include "scr/scr.h"
 #include "sub/datacom.h"
 #include "sub/serie_keuze.h"
@@ -103,6 +104,7 @@ void toon(const Rij& rij, int* kolom, uint8_t er) {
 }  // namespace
 
 void voorraad_menu() {
+  werktabellen_open();
   int gedaan;
   do {
     const uint8_t er = aanwezig();
@@ -112,4 +114,5 @@ void voorraad_menu() {
     for (const Rij& rij : MENU) toon(rij, &kolom, er);
     gedaan = menu_run();
   } while (gedaan != 0);
+  werktabellen_sluit();
 }

@@ -265,11 +265,11 @@ std::vector<FiliaalRec> keten_filialen(const Keten& k) {
   return lijst;
 }
 
-std::vector<DtHmnu> keten_menu(const Keten& k) { return {menu_saldo(moment(k))}; }
+std::vector<DtHmnu> keten_menu(const Keten& k) { return menu_rijen(moment(k)); }
 
 std::vector<DtRel> keten_rechten() {
   std::vector<DtRel> rechten;
   for (size_t n = 1; n <= std::size(GEBRUIKERS); ++n)
-    rechten.push_back({static_cast<uint16_t>(n), MENUSLOT_SALDO, 'S', 0});
+    for (const DtRel& r : menu_rechten(static_cast<int>(n))) rechten.push_back(r);
   return rechten;
 }

@@ -55,9 +55,16 @@ void verberg(char (&veld)[N], std::string_view wat, int64_t nu) {
 /// A terminal record of a user; the scrambled fields get their key from `nu`.
 TerminalRec maak_gebruiker(std::string_view code, std::string_view wachtwoord, char rechten,
                            int64_t nu);
-inline constexpr uint16_t MENUSLOT_SALDO = 101;
-/// The row of the launcher's menu for the balance.
-DtHmnu menu_saldo(int64_t nu);
+/// The programs of the launcher's menu, and that menu's rows.
+struct Menuprogramma {
+  uint16_t slot;
+  std::string_view titel, naam;
+};
+inline constexpr Menuprogramma MENUPROGRAMMAS[] = {{101, "Voorraadbeheer", "opdsaldo"},
+                                                   {102, "Voorraad en opdrachten", "voorraad"}};
+std::vector<DtHmnu> menu_rijen(int64_t nu);
+/// The right of a user to each of them.
+std::vector<DtRel> menu_rechten(int gebruiker);
 /// Empty when code, password and rights are fit for a record, else why not.
 std::string gebruiker_bezwaar(std::string_view code, std::string_view wachtwoord, char rechten);
 /// One line from the operator without echo, when a terminal is there.

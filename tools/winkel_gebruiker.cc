@@ -136,13 +136,24 @@ TerminalRec maak_gebruiker(std::string_view code, std::string_view wachtwoord, c
   return rec;
 }
 
-DtHmnu menu_saldo(int64_t nu) {
-  DtHmnu rec{};
-  rec.slot = MENUSLOT_SALDO;
-  verberg(rec.titel, "Voorraadbeheer", nu);
-  verberg(rec.programma, "opdsaldo", nu);
-  rec.soort = 'S';
-  return rec;
+std::vector<DtHmnu> menu_rijen(int64_t nu) {
+  std::vector<DtHmnu> rijen;
+  for (const Menuprogramma& p : MENUPROGRAMMAS) {
+    DtHmnu rec{};
+    rec.slot = p.slot;
+    verberg(rec.titel, p.titel, nu);
+    verberg(rec.programma, p.naam, nu);
+    rec.soort = 'S';
+    rijen.push_back(rec);
+  }
+  return rijen;
+}
+
+std::vector<DtRel> menu_rechten(int gebruiker) {
+  std::vector<DtRel> rijen;
+  for (const Menuprogramma& p : MENUPROGRAMMAS)
+    rijen.push_back({static_cast<uint16_t>(gebruiker), p.slot, 'S', 0});
+  return rijen;
 }
 
 std::string gebruiker_bezwaar(std::string_view code, std::string_view wachtwoord, char rechten) {

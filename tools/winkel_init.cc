@@ -46,16 +46,17 @@ std::vector<uint8_t> systeembestand(const Init& o, const TerminalRec& beheer) {
   return dtsys;
 }
 
-/// The one program there is, and the manager's right to it.
+template <class R>
+void vul(const char* tabel, std::vector<R> rijen) {
+  ICB* icb = IXOPEN(tabel, IX_GEDEELD);
+  for (R& rij : rijen) IXWRITE(icb, &rij);
+  IXCLOSE(icb);
+}
+
+/// The programs, and the manager's right to them.
 void menu() {
-  ICB* dthmnu = IXOPEN("DTHMNU", IX_GEDEELD);
-  DtHmnu rij = menu_saldo(std::time(nullptr));
-  IXWRITE(dthmnu, &rij);
-  IXCLOSE(dthmnu);
-  ICB* dtrel = IXOPEN("DTREL", IX_GEDEELD);
-  DtRel recht{1, MENUSLOT_SALDO, 'S', 0};
-  IXWRITE(dtrel, &recht);
-  IXCLOSE(dtrel);
+  vul("DTHMNU", menu_rijen(std::time(nullptr)));
+  vul("DTREL", menu_rechten(1));
 }
 
 void doe_init(Init& o) {
