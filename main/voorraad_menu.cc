@@ -5,10 +5,13 @@
 
 #include "isam/base.h"
 #include "main/controle.h"
+#include "main/magazijn.h"
 #include "main/saldo.h"
 #include "main/teksten.h"
 #include "main/werktabel.h"
+#include "main/zoeklijst.h"
 #include "scr/scr.h"
+#include "sub/adv_opdracht.h"
 #include "sub/datacom.h"
 #include "sub/serie_keuze.h"
 
@@ -39,21 +42,21 @@ constexpr Rij MENU[] = {
 
     rubriek(1, T_MENU_ADVIEZEN),
     keuze(T_MENU_SERIE_SELECTIE, serie_selectie),
-    keuze(T_MENU_AUTOMATISCH, nullptr),
+    keuze(T_MENU_AUTOMATISCH, opdracht_automatisch),
     keuze(T_MENU_HANDMATIG, nullptr),
     keuze(T_MENU_INGEVEN, nullptr),
-    keuze(T_MENU_DRUK_SERIE, nullptr),
-    keuze(T_MENU_DRUK_ARTIKEL, nullptr),
-    keuze(T_MENU_VERKOPEN, nullptr),
+    keuze(T_MENU_DRUK_SERIE, adv_druk_serie),
+    keuze(T_MENU_DRUK_ARTIKEL, adv_druk_stuk),
+    keuze(T_MENU_VERKOPEN, vrk_verkeer),
 
     rubriek(1, T_MENU_OPDRACHTEN),
     keuze(T_AFDRUKKEN_VOORLOPIG, nullptr, VOORLOPIG),
     keuze(T_MENU_NIEUWE, nullptr, VOORLOPIG),
     keuze(T_MENU_BESTAANDE, nullptr, DEFINITIEF),
-    keuze(T_MENU_UITVOEREN, nullptr, VOORLOPIG),
+    keuze(T_MENU_UITVOEREN, adviezen_uitvoeren, VOORLOPIG),
     keuze(T_MENU_CONTROLE, nullptr, DEFINITIEF),
-    keuze(T_MENU_LOCATIES, nullptr),
-    keuze(T_MENU_LOCATIE_SERIE, nullptr),
+    keuze(T_MENU_LOCATIES, mag_locaties),
+    keuze(T_MENU_LOCATIE_SERIE, serie_locatie),
     keuze(T_MENU_UITGEVOERDE, nullptr),
 
     rubriek(2, T_MENU_VERZENDEN),
