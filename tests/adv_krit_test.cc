@@ -106,28 +106,23 @@ TEST(Adviesscherm, ShowsThreeBlocksAndTheFourthForMutationsOnly) {
    Overige series                           : Ja
 )");
   t.type("4");
-  EXPECT_TRUE(t.shows("Ongeldige ingave"));
+  EXPECT_SHOWS(t, "Ongeldige ingave");
   Terminal u = scherm(k, ADV_MUTATIES);
   EXPECT_EQ(u.row(17), " 4 SELECTIE OP VOORRAAD en VERKOPEN");
-  EXPECT_TRUE(u.shows("maximum"));
+  EXPECT_SHOWS(u, "maximum");
 }
 
 TEST(Adviesscherm, TakesOrdersBranchesAndAnswers) {
   Keten k;
   Terminal t = scherm(k, ADV_HANDMATIG);
-  t.type("1");
-  t.type("2");
+  t.type("1", "2");
   EXPECT_EQ(t.text(4, 4, 33), "Series met voorlopige opdracht   ");
   t.type("2");
-  EXPECT_TRUE(t.shows("Ingave filialen, gescheiden door komma's"));
-  t.type(std::string("1-3") + toets::Enter);
-  t.type(toets::Enter);
+  EXPECT_SHOWS(t, "Ingave filialen, gescheiden door komma's");
+  t.type(toets::in("1-3"), toets::Enter);
   EXPECT_EQ(t.text(7, 47, 4), "1-3 ");
   EXPECT_EQ(t.text(8, 47, 4), "alle");
-  t.type("3");
-  t.type(toets::Enter);
-  t.type(std::string("N") + toets::Enter);
-  t.type(toets::Esc);
+  t.type("3", toets::Enter, toets::in("N"), toets::Esc);
   EXPECT_EQ(t.text(12, 47, 3), "Nee");
   t.type(toets::Esc);
   EXPECT_EQ(t.text(1, 1, 9), "o10 s0 vr");
@@ -138,17 +133,16 @@ TEST(Adviesscherm, AnotherKindOfSalesBeginsWithItsOwnRange) {
   Keten k;
   Terminal t = scherm(k, ADV_MUTATIES);
   t.type("4");
-  t.type(toets::Enter);                     // branches
-  t.type(std::string("3") + toets::Enter);  // stock from
-  t.type(std::string("2") + toets::Enter);  // below it: refused
-  EXPECT_TRUE(t.shows("Alleen 3 t/m 99999 mogelijk"));
-  t.type(std::string("20") + toets::Enter);
-  t.type(std::string("30") + toets::Enter);  // days
-  t.type(std::string("p") + toets::Enter);
+  t.type(toets::Enter);    // branches
+  t.type(toets::in("3"));  // stock from
+  t.type(toets::in("2"));  // below it: refused
+  EXPECT_SHOWS(t, "Alleen 3 t/m 99999 mogelijk");
+  t.type(toets::in("20"));
+  t.type(toets::in("30"));  // days
+  t.type(toets::in("p"));
   EXPECT_EQ(t.text(21, 54, 8), "100     ");
-  t.type(toets::Esc);
-  t.type(toets::Esc);
-  EXPECT_TRUE(t.shows("vrd 3-20 vrk P 0-100 dg 30"));
+  t.type(toets::Esc, toets::Esc);
+  EXPECT_SHOWS(t, "vrd 3-20 vrk P 0-100 dg 30");
 }
 
 }  // namespace

@@ -6,8 +6,10 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <set>
+
+#include "tests/support/bestand.h"
+#include "tests/support/tijdelijk.h"
 
 namespace {
 
@@ -200,39 +202,22 @@ TEST(Getal, CheckDigits) {
 
 // Files -------------------------------------------------------------------------------------------
 
-class Bestand : public testing::Test {
- protected:
-  void SetUp() override {
-    map = fs::path(testing::TempDir()) / ("base" + std::to_string(getpid()));
-    fs::create_directory(map);
-    vorige = fs::current_path();
-    fs::current_path(map);
-  }
-  void TearDown() override {
-    fs::current_path(vorige);
-    fs::remove_all(map);
-  }
-  static void schrijf(const char* naam, std::string_view inhoud) {
-    std::ofstream(naam, std::ios::binary) << inhoud;
-  }
-  static std::string lees(const char* naam) {
-    std::ifstream in(naam, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-  fs::path map, vorige;
+struct Bestand : testing::Test {
+  TempDir map;
+  InMap in{map.pad};
 };
 
 TEST_F(Bestand, CopyAndMove) {
   const std::string groot(100001, 'x');
-  schrijf("a", groot);
+  zet_bytes("a", groot);
   EXPECT_TRUE(file_copy("a", "b", 0));
-  EXPECT_EQ(lees("b"), groot);
+  EXPECT_EQ(bytes_van("b"), groot);
   EXPECT_FALSE(file_copy("a", "b", -1));
-  schrijf("c", "nog");
+  zet_bytes("c", "nog");
   EXPECT_TRUE(file_copy("c", "b", 1));
-  EXPECT_EQ(lees("b"), groot + "nog");
+  EXPECT_EQ(bytes_van("b"), groot + "nog");
   EXPECT_TRUE(file_copy("c", "b", 0));
-  EXPECT_EQ(lees("b"), "nog");
+  EXPECT_EQ(bytes_van("b"), "nog");
   EXPECT_FALSE(file_copy("geen", "d", 0));
   EXPECT_FALSE(file_exists("d"));
   EXPECT_FALSE(file_copy("a", "./a", 0));
@@ -240,7 +225,7 @@ TEST_F(Bestand, CopyAndMove) {
 
   EXPECT_FALSE(file_move("a", "b", false));
   EXPECT_TRUE(file_move("a", "b", true));
-  EXPECT_EQ(lees("b"), groot);
+  EXPECT_EQ(bytes_van("b"), groot);
   EXPECT_FALSE(file_exists("a"));
   EXPECT_TRUE(file_move("b", "b", true));
   EXPECT_TRUE(file_exists("b"));
@@ -252,10 +237,10 @@ TEST_F(Bestand, CopyAndMove) {
 }
 
 TEST_F(Bestand, ReadOnlySourceAndFullTarget) {
-  schrijf("a", "inhoud");
+  zet_bytes("a", "inhoud");
   chmod("a", 0440);
   EXPECT_TRUE(file_copy("a", "b", 0));
-  EXPECT_EQ(lees("b"), "inhoud");
+  EXPECT_EQ(bytes_van("b"), "inhoud");
   EXPECT_FALSE(file_copy("a", "/dev/full", 1));
   EXPECT_TRUE(file_exists("/dev/full"));
 }
@@ -263,17 +248,17 @@ TEST_F(Bestand, ReadOnlySourceAndFullTarget) {
 TEST_F(Bestand, FreshNames) {
   const std::string cijfers = str_format("%02d", getpid() % 100);
   EXPECT_EQ(file_temp("", "PR"), "PRAA" + cijfers);
-  schrijf(("PRAA" + cijfers).c_str(), "");
+  zet_bytes(("PRAA" + cijfers).c_str(), "");
   EXPECT_EQ(file_temp(nullptr, "PR"), "PRAB" + cijfers);
   EXPECT_STREQ(file_temp(".", "LANGER", -1207), "LANGAA07");
   for (char a = 'A'; a <= 'Z'; ++a)
-    for (char b = 'A'; b <= 'Z'; ++b) schrijf(str_format("T%c%c99", a, b).c_str(), "");
+    for (char b = 'A'; b <= 'Z'; ++b) zet_bytes(str_format("T%c%c99", a, b).c_str(), "");
   EXPECT_STREQ(file_temp("", "T", -99), "TAA00");
   EXPECT_STREQ(file_temp("geen map", "T"), "");
 }
 
 TEST_F(Bestand, Lines) {
-  schrijf("t", "een\n\n1234\n123456\n1234567\nslot");
+  zet_bytes("t", "een\n\n1234\n123456\n1234567\nslot");
   FILE* f = fopen("t", "r");
   char regel[8];
   EXPECT_TRUE(file_line(f, regel, 8));
@@ -301,9 +286,9 @@ std::string wandel(const char* patroon, bool recursief = false) {
 
 TEST_F(Bestand, WalkingADirectory) {
   for (const char* naam : {"KAS0103.SYS", "KAS0201.SYS", "KASMUT.TXT", ".verborgen", "DTSER.V07"})
-    schrijf(naam, "");
+    zet_bytes(naam, "");
   fs::create_directory("sub");
-  schrijf("sub/KAS9.SYS", "");
+  zet_bytes("sub/KAS9.SYS", "");
   EXPECT_EQ(wandel("KAS*.SYS"), "KAS0103.SYS KAS0201.SYS ");
   EXPECT_EQ(wandel("DTSER.?0?"), "DTSER.V07 ");
   EXPECT_EQ(wandel("*.SYS", true), "KAS0103.SYS KAS0201.SYS sub/KAS9.SYS ");
@@ -314,8 +299,8 @@ TEST_F(Bestand, WalkingADirectory) {
 }
 
 TEST_F(Bestand, WalksNestThreeDeep) {
-  schrijf("a", "");
-  schrijf("b", "");
+  zet_bytes("a", "");
+  zet_bytes("b", "");
   for (int i = 0; i < 3; ++i) {
     EXPECT_NE(DIRECTORY('O', "*", false), nullptr);
     EXPECT_STREQ(DIRECTORY('N', nullptr, false), "a");

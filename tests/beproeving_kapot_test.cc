@@ -160,9 +160,9 @@ std::string ronde(uint32_t zaad, const std::vector<std::string>& goed,
   const int keer = 1 + static_cast<int>(tot(kans, 8));
   for (int n = 0; n < keer; ++n)
     verander(kans, bestand[std::array{0, 0, 0, 1, 2, 2}[tot(kans, 6)]], ander);
-  bep_schrijf("TAB.INX", bestand[0]);
-  bep_schrijf("TAB.TXT", bestand[1]);
-  bep_schrijf("TAB.V01", bestand[2]);
+  zet_bytes("TAB.INX", bestand[0]);
+  zet_bytes("TAB.TXT", bestand[1]);
+  zet_bytes("TAB.V01", bestand[2]);
   // A record number turned wild makes a file of gigabytes, and building its index takes its time.
   const rlimit hoogst{4 << 20, 4 << 20};
   signal(SIGXFSZ, SIG_IGN);

@@ -1,61 +1,17 @@
 // The tables of print destinations as bytes, which combinations suit a report, and what is chosen.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
-
-#include "isam/base.h"
-#include "isam/ix.h"
-#include "prt/intern.h"
 #include "prt/lijst.h"
-#include "tests/support/tijdelijk.h"
+#include "tests/support/print_proef.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string lees(const std::string& pad) {
-  std::ifstream in(pad, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-/// A data directory with print tables in it; a lpstat that knows no queue but LASER.
-class Bestemming : public testing::Test {
+class Bestemming : public PrintMap {
  protected:
-  Bestemming() {
-    fs::create_directory(basis / "bin");
-    std::ofstream(basis / "bin/lpstat") << "#!/bin/sh\ntest \"$2\" = LASER\n";
-    fs::permissions(basis / "bin/lpstat", fs::perms::owner_all);
-    oud_pad = std::getenv("PATH");
-    setenv("PATH", ((basis / "bin") + ":" + oud_pad).c_str(), 1);
-    unsetenv("KOBPRT");
-    fs::current_path(basis.pad);
-  }
-  ~Bestemming() override {
-    setenv("PATH", oud_pad.c_str(), 1);
-    fs::current_path(terug);
-  }
-  template <class R>
-  static void schrijf(const char* tabel, R rec) {
-    ICB* icb = IXOPEN(tabel, IX_GEDEELD);
-    EXPECT_TRUE(IXWRITE(icb, &rec));
-    IXCLOSE(icb);
-  }
   static void printer(uint16_t nr, const char* device, uint8_t to_dir, uint16_t kolommen,
                       uint16_t rijen) {
-    PtrgRec g{nr, 0, "LASER"};
-    PtrcRec c{nr, 1, to_dir, "", "kabel"};
-    veld_zet(c.device, sizeof c.device, device);
-    PtrpRec p{nr, 1, 1, kolommen, rijen, "gewoon", "\\1B(s\\\\", "\\1BE"};
-    schrijf(TR_PTRG, g);
-    schrijf(TR_PTRC, c);
-    schrijf(TR_PTRP, p);
+    prt_printer(nr, "LASER", device, to_dir,
+                {0, 1, 1, kolommen, rijen, "gewoon", "\\1B(s\\\\", "\\1BE"});
   }
   /// A choice, undone again.
   static bool kies(uint32_t selectie, int widths) {
@@ -63,7 +19,7 @@ class Bestemming : public testing::Test {
     const bool goed = prt_choose(&rec, selectie, widths, nullptr) != 0;
     if (goed) {
       std::fclose(rec.spool);
-      spool = lees(rec.spool_name);
+      spool = bytes_van(rec.spool_name);
       file_delete(rec.spool_name);
       rec.spool = nullptr;
     }
@@ -72,10 +28,6 @@ class Bestemming : public testing::Test {
   }
   static inline PrtRec gekozen;
   static inline std::string spool;
-
-  TempDir basis;
-  fs::path terug = fs::current_path();
-  std::string oud_pad;
 };
 
 constexpr uint32_t SCHERM = static_cast<uint32_t>(PRT_SCHERM);
@@ -98,25 +50,24 @@ TEST(Masker, ColumnsAndPageLengthsOfTheReport) {
 
 TEST_F(Bestemming, NewTablesKnowTheScreen) {
   ASSERT_TRUE(prt_tabellen_maak());
-  EXPECT_EQ(lees("TR_PTRG.TXT"), std::string("\1\0\0\0SCR\0\0\0\0\0\0\0\0\0", 16));
-  const std::string c = lees("TR_PTRC.TXT");
+  EXPECT_EQ(bytes_van("TR_PTRG.TXT"), std::string("\1\0\0\0SCR\0\0\0\0\0\0\0\0\0", 16));
+  const std::string c = bytes_van("TR_PTRC.TXT");
   ASSERT_EQ(c.size(), 64u);
   EXPECT_EQ(c.substr(0, 4), std::string("\1\0\1\0", 4));
   EXPECT_EQ(c.substr(4, 40), std::string(40, '\0'));
   EXPECT_STREQ(c.c_str() + 44, "SCR");
-  const std::string p = lees("TR_PTRP.TXT");
+  const std::string p = bytes_van("TR_PTRP.TXT");
   ASSERT_EQ(p.size(), 3u * 284u);
   EXPECT_EQ(p.substr(0, 8), std::string("\1\0\1\0\x28\0\x0F\x27", 8));
   EXPECT_STREQ(p.c_str() + 8, "SCR-40");
   EXPECT_EQ(p.substr(284, 8), std::string("\1\0\2\0\x50\0\x40\0", 8));
   EXPECT_EQ(p.substr(568, 8), std::string("\1\0\3\0\x84\0\x40\0", 8));
   EXPECT_STREQ(p.c_str() + 568 + 8, "SCR-132");
-  EXPECT_EQ(lees("TR_PTRCA.TXT"), "");
+  EXPECT_EQ(bytes_van("TR_PTRCA.TXT"), "");
   EXPECT_EQ(fs::file_size("TR_PTRG.INX") % 512, 0u);
   for (const char* naam : {TR_PTRG, TR_PTRC, TR_PTRP, TR_PTRCA})
     EXPECT_EQ(IXCHECK(naam), 0) << naam;
-  const std::string kop = lees("TR_PTRP.INX");
-  EXPECT_NE(kop.find("TR_PTR_properties"), std::string::npos);
+  EXPECT_NE(bytes_van("TR_PTRP.INX").find("TR_PTR_properties"), std::string::npos);
 }
 
 TEST_F(Bestemming, ALostIndexIsBuiltAgainAndTheRecordsStay) {
@@ -179,9 +130,7 @@ TEST_F(Bestemming, DevicesThatWouldDoHarmAreRefused) {
     printer(7, device, 0, 80, 64);
     EXPECT_FALSE(kies(7, PRT_80)) << device;
   }
-  for (const auto& e : fs::directory_iterator(".")) {
-    EXPECT_FALSE(e.path().filename().string().starts_with("PR")) << e.path();
-  }
+  EXPECT_EQ(prt_spools(), 0);
 }
 
 TEST_F(Bestemming, NamesOfFiles) {
@@ -209,9 +158,11 @@ TEST(BestemmingDeathTest, TheDirectoryOfTheTables) {
   TempDir map;
   const std::string diep = map / std::string(80, 'd');
   fs::create_directory(diep);
-  EXPECT_EXIT(pad_is(map.pad.c_str(), map / "TR_PTRG"), testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(pad_is((map.pad + "/").c_str(), map / "TR_PTRG"), testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(pad_is((map / "weg").c_str(), "TR_PTRG"), testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(pad_is(diep.c_str(), "TR_PTRG"), testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(pad_is("", "TR_PTRG"), testing::ExitedWithCode(0), "");
+  for (const auto& [kob, soll] :
+       std::initializer_list<std::pair<std::string, std::string>>{{map.pad, map / "TR_PTRG"},
+                                                                  {map.pad + "/", map / "TR_PTRG"},
+                                                                  {map / "weg", "TR_PTRG"},
+                                                                  {diep, "TR_PTRG"},
+                                                                  {"", "TR_PTRG"}})
+    EXPECT_EXIT(pad_is(kob.c_str(), soll), testing::ExitedWithCode(0), "") << kob;
 }

@@ -131,15 +131,13 @@ TEST(Browser, PagesAndStopsAtBothEnds) {
   t.type(toets::PgDn);  // the list ends inside the page: the cursor is pulled back
   EXPECT_EQ(stand(t), "34-40 40");
   EXPECT_EQ(t.text(12, 59, 22), "│                    │");
-  t.type(toets::Down);
-  t.type(toets::PgDn);
+  t.type(toets::Down, toets::PgDn);
   EXPECT_EQ(stand(t), "34-40 40");
   keer(t, toets::Up, 7);
   EXPECT_EQ(stand(t), "33-40 33");
   t.type(toets::PgUp);
   EXPECT_EQ(stand(t), "17-32 17");
-  t.type(toets::Down);
-  t.type(toets::PgUp);
+  t.type(toets::Down, toets::PgUp);
   EXPECT_EQ(stand(t), "01-16 02");
   t.type(toets::PgUp);  // nothing before it: the cursor goes to the top
   EXPECT_EQ(stand(t), "01-16 01");
@@ -154,11 +152,9 @@ TEST(Browser, PagesAndStopsAtBothEnds) {
 TEST(Browser, ASearchPutsTheFoundRecordOnTopAndEnterPicksIt) {
   Terminal t = start_lijst({40});
   keer(t, toets::Down, 3);
-  t.type("25");
-  t.type(toets::Enter);
+  t.type("25", toets::Enter);
   EXPECT_EQ(stand(t), "25-40 25");
-  t.type(toets::Down);
-  t.type(toets::Enter);
+  t.type(toets::Down, toets::Enter);
   EXPECT_EQ(t.row(1), "gekozen 26 (0)");  // a single pick is over at once
 }
 
@@ -170,11 +166,9 @@ TEST(Browser, TheCallerMayHaveTheFoundRecordShownOtherwise) {
   EXPECT_EQ(stand(een_terug), "24-39 25");
 
   Terminal alleen_cursor = start_lijst({40, false, true, false, 4});
-  alleen_cursor.type("12");
-  alleen_cursor.type(toets::Enter);
+  alleen_cursor.type("12", toets::Enter);
   EXPECT_EQ(stand(alleen_cursor), "01-16 12");
-  alleen_cursor.type("20");
-  alleen_cursor.type(toets::Enter);
+  alleen_cursor.type("20", toets::Enter);
   EXPECT_EQ(stand(alleen_cursor), "20-35 20");
 }
 
@@ -182,8 +176,7 @@ TEST(Browser, WithoutCursorTheTopLineIsTheRecordInHand) {
   Terminal t = start_lijst({40, false, true, true});
   t.type(toets::Down);
   EXPECT_EQ(stand(t), "02-17 02");
-  t.type(toets::PgDn);
-  t.type(toets::Up);
+  t.type(toets::PgDn, toets::Up);
   EXPECT_EQ(stand(t), "17-32 17");
   t.type(toets::F3);
   EXPECT_EQ(t.row(1), "gekozen 17 (0)");
@@ -197,8 +190,7 @@ TEST(Browser, MarksComeInMarkingOrder) {
   t.type(toets::F7);  // 1
   t.type(toets::F7);  // 2
   t.type(toets::F7);  // 3
-  t.type(toets::Up);
-  t.type(toets::Up);
+  t.type(toets::Up, toets::Up);
   t.type(toets::F7);  // 2 again: no longer
   EXPECT_EQ(t.text(5, 60, 1) + t.text(6, 60, 1) + t.text(7, 60, 1) + t.text(9, 60, 1), "→ →→");
   EXPECT_EQ(stand(t), "01-16 03");
@@ -215,16 +207,13 @@ TEST(Browser, InvertedMarksGiveAllTheOthersInFileOrder) {
   t.type(toets::Down);
   keer(t, toets::F7, 3);
   EXPECT_EQ(t.text(5, 60, 1) + t.text(6, 60, 1) + t.text(9, 60, 1), "→ →");
-  t.type(toets::PgDn);
-  t.type(toets::F3);
+  t.type(toets::PgDn, toets::F3);
   EXPECT_EQ(t.row(1), "gekozen 1 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 (0)");
 }
 
 TEST(Browser, MarksCanBeWipedAndWithoutAnyEnterPicksTheRecordInHand) {
   Terminal t = start_lijst({20, true});
-  t.type(toets::F7);
-  t.type(toets::F6);
-  t.type(toets::F10);
+  t.type(toets::F7, toets::F6, toets::F10);
   EXPECT_EQ(t.text(5, 60, 1) + t.text(6, 60, 1), "  ");
   EXPECT_EQ(stand(t), "01-16 02");
   t.type(toets::Enter);
@@ -234,8 +223,7 @@ TEST(Browser, MarksCanBeWipedAndWithoutAnyEnterPicksTheRecordInHand) {
 TEST(Browser, CancelForgetsTheMarks) {
   for (const char* toets : {toets::Esc, toets::Cancel}) {
     Terminal t = start_lijst({20, true});
-    t.type(toets::F7);
-    t.type(toets);
+    t.type(toets::F7, toets);
     EXPECT_EQ(t.row(1), "gekozen (0)");
     EXPECT_FALSE(t.shows("regel"));
   }
@@ -249,9 +237,7 @@ TEST(Browser, AnEmptyListShowsNothing) {
 
 TEST(Browser, AListEmptiedUnderItEndsItAndLeavesNoKeyBehind) {
   Terminal t = start_lijst({3, true});
-  t.type(toets::F7);
-  t.type("999");
-  t.type(toets::Enter);
+  t.type(toets::F7, "999", toets::Enter);
   EXPECT_EQ(t.row(1), "gekozen (0)");
   EXPECT_EQ(t.row(2), "");
   t.type("q");
@@ -260,9 +246,7 @@ TEST(Browser, AListEmptiedUnderItEndsItAndLeavesNoKeyBehind) {
 
 TEST(Browser, ARecordThatVanishesIsPassedOver) {
   Terminal t = start_lijst({20, true});
-  t.type(toets::F7);
-  t.type(toets::F7);
-  t.type(toets::Up);
+  t.type(toets::F7, toets::F7, toets::Up);
   t.type("998");  // number 2 goes
   t.type(toets::Enter);
   EXPECT_EQ(stand(t), "01-17 01");

@@ -1,64 +1,20 @@
 // The way of a finished report to a queue, a file, a directory: what arrives, and what is left
 // behind.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <chrono>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <sstream>
-#include <string>
-#include <thread>
 
-#include "prt/intern.h"
 #include "prt/schil.h"
-#include "tests/support/tijdelijk.h"
+#include "tests/support/print_proef.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string lees(const std::string& pad) {
-  std::ifstream in(pad, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-bool wacht(const std::function<bool()>& klaar) {
-  for (int i = 0; i < 1000; ++i) {
-    if (klaar()) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return false;
-}
-
-/// A data directory, and a folder first in PATH whose lp, lpstat and cat tell what they were given.
-class Einde : public testing::Test {
+/// lp and cat tell what they were given.
+class Einde : public PrintMap {
  protected:
   Einde() {
-    fs::create_directory(basis / "bin");
-    fs::create_directory(basis / "werk");
-    script("lpstat", "test \"$2\" = LASER");
     script("lp", "for last; do :; done; /bin/cat \"$last\" >> " + (basis / "lp.uit"));
     script("cat", "exec /bin/cat \"$@\"");
-    oud_pad = std::getenv("PATH");
-    setenv("PATH", ((basis / "bin") + ":" + oud_pad).c_str(), 1);
-    unsetenv("KOBPRTCODE");
-    fs::current_path(basis / "werk");
-  }
-  ~Einde() override {
-    setenv("PATH", oud_pad.c_str(), 1);
-    fs::current_path(terug);
-  }
-  void script(const std::string& naam, const std::string& rest) {
-    const std::string pad = basis / ("bin/" + naam);
-    std::ofstream(pad) << "#!/bin/sh\necho " << naam << " \"$@\" >> " << (basis / "log") << "\n"
-                       << rest << "\n";
-    chmod(pad.c_str(), 0755);
   }
   void open(const char* naam) {
     ASSERT_EQ(XPRT_OPEN(static_cast<uint32_t>(PRT_BESTAND), PRT_80, naam), 1);
@@ -68,23 +24,18 @@ class Einde : public testing::Test {
     print_f("%s", tekst);
     print_nl();
   }
-  std::string log() { return lees(basis / "log"); }
-  std::string lp_uit() { return lees(basis / "lp.uit"); }
-  static int spoolbestanden() {
-    int n = 0;
-    for (const auto& e : fs::directory_iterator("."))
-      n += e.path().filename().string().starts_with("PR") ? 1 : 0;
-    return n;
+  std::string lp_uit() { return bytes_van(basis / "lp.uit"); }
+  static bool leeg() { return prt_spools() == 0; }
+  /// A report of these pages on its way, gone when this returns.
+  static void stuur(std::initializer_list<const char*> bladen) {
+    for (const char* tekst : bladen) blad(tekst);
+    print_close("");
+    ASSERT_TRUE(wacht_tot(leeg));
   }
-  static bool leeg() { return spoolbestanden() == 0; }
   static std::string zoekt_lp(const std::string& s) {
     const size_t p = s.find("lp -d");
     return p == std::string::npos ? "" : s.substr(p, s.find('\n', p) - p);
   }
-
-  TempDir basis;
-  fs::path terug = fs::current_path();
-  std::string oud_pad;
 };
 
 }  // namespace
@@ -106,7 +57,7 @@ TEST_F(Einde, AQueueGetsTheFileWithItsOptions) {
   const std::string naam = prt_rec.spool_name;
   EXPECT_TRUE(fs::exists(naam));
   print_close("-o landscape -o cpi=13");
-  ASSERT_TRUE(wacht(leeg));
+  ASSERT_TRUE(wacht_tot(leeg));
   EXPECT_EQ(lp_uit(), "een\n\f");
   EXPECT_EQ(zoekt_lp(log()), "lp -dLASER -n2 -c -s -o landscape -o cpi=13 " + naam);
 }
@@ -114,15 +65,11 @@ TEST_F(Einde, AQueueGetsTheFileWithItsOptions) {
 TEST_F(Einde, AQueueReadsUtf8ButForThePrintersOwnCodes) {
   open("LASER");
   std::strcpy(prt_rec.stop_str, "\x1b\x82");
-  blad("caf\x82");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
+  stuur({"caf\x82"});
   EXPECT_EQ(lp_uit(), "caf\xC3\xA9\n\f\x1b\x82");
   setenv("KOBPRTCODE", "CP850", 1);
   open("LASER");
-  blad("caf\x82");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
+  stuur({"caf\x82"});
   EXPECT_EQ(lp_uit().substr(9), "caf\x82\n\f");
 }
 
@@ -142,12 +89,9 @@ TEST_F(Einde, ThreeCopiesArriveFromThreeFiles) {
   EXPECT_EQ(prt_rec.page_lines, 64);
   prt_rec.copies = 3;
   std::strcpy(prt_rec.stop_str, "STOP");
-  blad("een");
-  blad("twee");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
+  stuur({"een", "twee"});
   const std::string stuk = "een\n\ftwee\n\fSTOP";
-  EXPECT_EQ(lees("uit.lst"), "eerder\n" + stuk + stuk + stuk);
+  EXPECT_EQ(bytes_van("uit.lst"), "eerder\n" + stuk + stuk + stuk);
   std::stringstream regels(log());
   std::vector<std::string> namen;
   for (std::string regel; std::getline(regels, regel);) {
@@ -169,10 +113,10 @@ TEST_F(Einde, ADeviceThatKeepsTheProgramWaitingStillGetsAllCopies) {
   blad("een");
   print_close("");
   prt_wacht_ms = lang;
-  EXPECT_EQ(lees("uit.lst"), "");
+  EXPECT_EQ(bytes_van("uit.lst"), "");
   std::ofstream(basis / "door") << "";
-  ASSERT_TRUE(wacht(leeg));
-  EXPECT_EQ(lees("uit.lst"), "een\n\feen\n\feen\n\f");
+  ASSERT_TRUE(wacht_tot(leeg));
+  EXPECT_EQ(bytes_van("uit.lst"), "een\n\feen\n\feen\n\f");
 }
 
 TEST_F(Einde, ADirectoryGetsAFileThatIsComplete) {
@@ -187,13 +131,13 @@ TEST_F(Einde, ADirectoryGetsAFileThatIsComplete) {
     blad(keer == 0 ? "een" : "twee");
     print_close("");
   }
-  EXPECT_EQ(lees("map/TRAA07"), "een\n\f");
+  EXPECT_EQ(bytes_van("map/TRAA07"), "een\n\f");
   // A file that nobody has collected yet is not written over: the second has a name of its own.
   std::string ander;
   for (const auto& e : fs::directory_iterator("map")) {
     const std::string naam = e.path().filename();
     EXPECT_EQ(naam.substr(0, 2), "TR");
-    if (naam != "TRAA07") ander = lees(e.path());
+    if (naam != "TRAA07") ander = bytes_van(e.path());
   }
   EXPECT_EQ(ander, "twee\n\f");
   EXPECT_FALSE(fs::exists("PRAA07"));
@@ -204,20 +148,16 @@ TEST_F(Einde, ThePortOfAnotherTerminalGetsEachCopyWhole) {
   prt_rec.is_aux = 1;
   std::strcpy(prt_rec.device, "poort");
   prt_rec.copies = 2;
-  blad("een");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
-  EXPECT_EQ(lees("poort"), "een\n\f");
+  stuur({"een"});
+  EXPECT_EQ(bytes_van("poort"), "een\n\f");
   EXPECT_EQ(log().find("cat"), log().find("cat PR"));
 }
 
 TEST_F(Einde, NamesAreNoCommands) {
   open("x;touch PWNED");
-  blad("een");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
+  stuur({"een"});
   EXPECT_FALSE(fs::exists("PWNED"));
-  EXPECT_EQ(lees("x;touch PWNED"), "een\n\f");
+  EXPECT_EQ(bytes_van("x;touch PWNED"), "een\n\f");
 }
 
 TEST_F(Einde, PicturesStandBehindTheFormFeedOfTheirPage) {
@@ -229,11 +169,8 @@ TEST_F(Einde, PicturesStandBehindTheFormFeedOfTheirPage) {
   prt_plaat(2, "b");
   prt_plaat(1, "a");
   prt_plaat(2, "c");
-  blad("een");
-  blad("twee");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
-  EXPECT_EQ(lees("uit.lst"), "START<a>een\n\f<b><c>twee\n\f");
+  stuur({"een", "twee"});
+  EXPECT_EQ(bytes_van("uit.lst"), "START<a>een\n\f<b><c>twee\n\f");
 }
 
 TEST_F(Einde, PicturesTakeThePlaceOfTheirMarks) {
@@ -242,16 +179,12 @@ TEST_F(Einde, PicturesTakeThePlaceOfTheirMarks) {
   open("uit.lst");
   prt_plaat(0, "a");
   prt_plaat(0, "b");
-  blad("PCXPCXTECx PCXTEPPCXTEC PCXTEC PCX");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
-  EXPECT_EQ(lees("uit.lst"), "PCX<a>x PCXTEP<b> PCXTEC PCX\n\f");
+  stuur({"PCXPCXTECx PCXTEPPCXTEC PCXTEC PCX"});
+  EXPECT_EQ(bytes_van("uit.lst"), "PCX<a>x PCXTEP<b> PCXTEC PCX\n\f");
   // The list is gone with its report, and so is the facility with its routine.
   prt_plaat_zet(nullptr, true);
   open("uit2.lst");
   prt_plaat(0, "a");
-  blad("PCXTEC");
-  print_close("");
-  ASSERT_TRUE(wacht(leeg));
-  EXPECT_EQ(lees("uit2.lst"), "PCXTEC\n\f");
+  stuur({"PCXTEC"});
+  EXPECT_EQ(bytes_van("uit2.lst"), "PCXTEC\n\f");
 }

@@ -16,6 +16,7 @@
 #include "main/iotab.h"
 #include "sub/records.h"
 #include "tests/support/agent.h"
+#include "tests/support/bestand.h"
 #include "tests/support/terminal.h"
 #include "tests/support/tijdelijk.h"
 
@@ -23,14 +24,9 @@ namespace {
 
 constexpr int FILIALEN = 12;
 
-std::string bytes(const std::string& pad) {
-  std::ifstream f(pad, std::ios::binary);
-  return {std::istreambuf_iterator<char>(f), {}};
-}
-
 template <class Rec>
 std::vector<Rec> records(const std::string& pad) {
-  const std::string b = bytes(pad);
+  const std::string b = bytes_van(pad);
   std::vector<Rec> uit;
   for (size_t i = 0; i + sizeof(Rec) <= b.size(); i += sizeof(Rec)) {
     Rec rec;
@@ -109,10 +105,7 @@ struct DemoKeten {
 };
 
 void meld_aan(Terminal& t, const char* code, const char* wachtwoord) {
-  t.type(code);
-  t.type(toets::Enter);
-  t.type(wachtwoord);
-  t.type(toets::Enter);
+  t.type(code, toets::Enter, wachtwoord, toets::Enter);
 }
 void naar_opdsaldo(Terminal& t) {
   meld_aan(t, "DEMO", "DEMO");
@@ -123,7 +116,7 @@ void naar_opdsaldo(Terminal& t) {
 
 /// What stands behind the page head of a printed list.
 std::string lijst(const std::string& pad) {
-  const std::string alles = bytes(pad);
+  const std::string alles = bytes_van(pad);
   const size_t streep = alles.find(std::string(132, '-'));
   if (streep == std::string::npos) return "no list in " + pad + ": " + alles;
   std::string uit = alles.substr(alles.find('\n', streep) + 1);
@@ -134,14 +127,6 @@ std::string lijst(const std::string& pad) {
 /// The connection of the demo chain that prints to a file.
 std::string afdruk(const DemoKeten& k) { return k / "afdruk.lst"; }
 
-bool wacht_op(const std::string& pad) {
-  for (int i = 0; i < 200; ++i) {
-    if (bytes(pad).find("TOTAAL") != std::string::npos) return true;
-    usleep(20000);
-  }
-  return false;
-}
-
 TEST(Live, LoginSelectPrintAndBack) {
   const DemoKeten keten;
   Terminal t = keten.launcher();
@@ -150,16 +135,16 @@ TEST(Live, LoginSelectPrintAndBack) {
   EXPECT_FALSE(t.shows("fout"));
   naar_opdsaldo(t);
   t.type("11");
-  EXPECT_TRUE(t.shows("Selectiecriteria"));
+  EXPECT_SHOWS(t, "Selectiecriteria");
   t.type(toets::Esc);
   ASSERT_TRUE(t.shows("Printbestemming"));
-  t.type(toets::Down);
-  t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("Selectie en afdrukken"));
-  ASSERT_TRUE(wacht_op(afdruk(keten)));
+  t.type(toets::Down, toets::Enter);
+  EXPECT_SHOWS(t, "Selectie en afdrukken");
+  ASSERT_TRUE(
+      wacht_tot([&] { return bytes_van(afdruk(keten)).find("TOTAAL") != std::string::npos; }));
   EXPECT_EQ(lijst(afdruk(keten)), keten.saldo());
   t.type(toets::Esc);
-  EXPECT_TRUE(t.shows("Hoofdmenu"));
+  EXPECT_SHOWS(t, "Hoofdmenu");
   t.type(toets::Esc);
   EXPECT_EQ(t.exit_status(), 0);
   for (const char* weg :
@@ -175,11 +160,7 @@ TEST(Live, OneBrandAndThePreview) {
   ASSERT_NE(merk, 0);
   Terminal t = keten.launcher();
   naar_opdsaldo(t);
-  t.type("11");
-  t.type("1");
-  t.type("1");
-  t.type(std::to_string(merk));
-  t.type(toets::Enter);
+  t.type("11", "1", "1", std::to_string(merk), toets::Enter);
   EXPECT_NE(t.row(3).find(std::to_string(merk)), std::string::npos);
   t.type(toets::Esc);
   ASSERT_TRUE(t.shows("Printbestemming"));
@@ -191,7 +172,7 @@ TEST(Live, OneBrandAndThePreview) {
     EXPECT_NE(beeld.find(regel), std::string::npos) << regel << "\n" << beeld;
   EXPECT_TRUE(t.reverse(1, 1));
   t.type(toets::Esc);
-  EXPECT_TRUE(t.shows("Selectie en afdrukken"));
+  EXPECT_SHOWS(t, "Selectie en afdrukken");
 }
 
 TEST(Live, InquiryUserHasNoMenu) {
@@ -200,10 +181,10 @@ TEST(Live, InquiryUserHasNoMenu) {
   meld_aan(t, "KIJK", "KIJK");
   ASSERT_TRUE(t.shows("Voorraadbeheer"));
   t.type("1");
-  EXPECT_TRUE(t.shows("Geen menubevoegdheden"));
+  EXPECT_SHOWS(t, "Geen menubevoegdheden");
   EXPECT_FALSE(t.shows("Selectie en afdrukken"));
   t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("Hoofdmenu"));
+  EXPECT_SHOWS(t, "Hoofdmenu");
 }
 
 TEST(Live, FiveWrongPasswordsMarkTheRecord) {
@@ -211,7 +192,7 @@ TEST(Live, FiveWrongPasswordsMarkTheRecord) {
   Terminal t = keten.launcher();
   for (int i = 0; i < 5; ++i) meld_aan(t, "DEMO", "mis");
   EXPECT_EQ(t.exit_status(), 0);
-  EXPECT_EQ(bytes(keten / "DTSYS.TXT")[static_cast<size_t>(SYS_TERMINALS.basis) + 38], 5);
+  EXPECT_EQ(bytes_van(keten / "DTSYS.TXT")[static_cast<size_t>(SYS_TERMINALS.basis) + 38], 5);
 }
 
 TEST(Live, AnEmptyTableDisablesTheEntry) {
@@ -225,7 +206,7 @@ TEST(Live, AnEmptyTableDisablesTheEntry) {
   Terminal t = keten.launcher();
   naar_opdsaldo(t);
   t.type("11");
-  EXPECT_TRUE(t.shows("Keuze niet beschikbaar"));
+  EXPECT_SHOWS(t, "Keuze niet beschikbaar");
 }
 
 TEST(Live, TheExclusiveHolderIsWaitedFor) {

@@ -90,34 +90,30 @@ TEST(Menu, RefusesWhatIsNotThereAndComesBackOnWhatWasUsed) {
   t.type(toets::Enter);
   // The same operation stands under 12 too: the cursor goes to the first that has it.
   EXPECT_TRUE(t.reverse(5, 2));
-  t.type("31");
-  t.type(toets::Enter);
+  t.type("31", toets::Enter);
   EXPECT_TRUE(t.reverse(4, 42));
   t.type(toets::Enter);
   EXPECT_EQ(t.row(20), "gedaan: opruimen");
-  t.type(toets::Enter);
-  t.type(toets::Back);
+  t.type(toets::Enter, toets::Back);
   t.type(toets::Enter);  // an empty field takes the cursor item
   EXPECT_EQ(t.row(20), "gedaan: opruimen");
-  t.type(toets::Enter);
-  t.type(toets::Cancel);
+  t.type(toets::Enter, toets::Cancel);
   EXPECT_EQ(t.row(20), "terug op 355");
 }
 
 TEST(Menu, HelpAndProgramInformationComeBackToTheField) {
   Terminal t = start_menu(drie_rubrieken);
-  t.type(toets::Down);
-  t.type(toets::F1);
+  t.type(toets::Down, toets::F1);
   EXPECT_NE(t.row(16).find(" keuzemogelijkheden "), std::string::npos);
   EXPECT_EQ(t.text(17, 3, 30), "11-31   Nummer van menukeuze  ");
   EXPECT_EQ(t.text(18, 3, 30), "Up      Naar vorige menukeuze ");
   EXPECT_EQ(t.text(20, 3, 50), "Tab     Naar eerste menukeuze van volgende rubriek");
-  EXPECT_TRUE(t.shows("<ENTER> voor vervolg"));
+  EXPECT_SHOWS(t, "<ENTER> voor vervolg");
   t.type(toets::Enter);
   EXPECT_FALSE(t.shows("keuzemogelijkheden"));
   EXPECT_TRUE(t.reverse(5, 2));
   t.type(toets::F10);
-  EXPECT_TRUE(t.shows("over dit programma"));
+  EXPECT_SHOWS(t, "over dit programma");
   t.type(toets::Enter);
   EXPECT_TRUE(t.reverse(5, 2));
   t.type(toets::Esc);
@@ -190,7 +186,7 @@ TEST(Menu, AFaultOfTheProgramEndsItWithModuleAndCode) {
       menu_item(false, true, "zonder", nullptr);
       menu_run();
     });
-    EXPECT_TRUE(t.shows(niveau ? "menuhdl: errno=101" : "menuhdl: errno=102"));
+    EXPECT_SHOWS(t, niveau ? "menuhdl: errno=101" : "menuhdl: errno=102");
     t.type(toets::Enter);
     EXPECT_EQ(t.exit_status(), 1);
   }
@@ -269,11 +265,9 @@ TEST(Keuze, ANumberOfTheRangeChoosesAsSoonAsItIsOne) {
   t.type("9");
   EXPECT_EQ(t.row(25), "<9> ongeldige keuze");
   EXPECT_EQ(t.text(10, 12, 2), "_ ");  // wiped, and the field on the first place again
-  t.type("2");
-  t.type("4");
+  t.type("2", "4");
   EXPECT_EQ(t.row(25), "<24> ongeldige keuze");
-  t.type("1");
-  t.type("s");
+  t.type("1", "s");
   EXPECT_EQ(t.row(2), "2: 0 10 0");
   t.type(toets::Enter);  // empty: asked again, and the caller's key still counts
   EXPECT_EQ(t.row(2), "2: 0 10 0");
@@ -288,15 +282,11 @@ TEST(Keuze, ALineThatDoesNotFitShowsLettersAndListsTheItemsOnHelp) {
   });
   EXPECT_EQ(t.row(10), "  Uw keuze _ S, W, L");
   t.type(toets::F1);
-  EXPECT_TRUE(t.shows("zonder letter"));
-  EXPECT_TRUE(t.shows("Lange naam van een keuze die de regel vult"));
+  EXPECT_SHOWS(t, "zonder letter", "Lange naam van een keuze die de regel vult");
   t.type(toets::Esc);
   EXPECT_FALSE(t.shows("zonder letter"));
   EXPECT_EQ(t.row(2), "");
-  t.type(toets::F1);
-  t.type(toets::Down);
-  t.type(toets::Down);
-  t.type(toets::Enter);
+  t.type(toets::F1, toets::Down, toets::Down, toets::Enter);
   EXPECT_EQ(t.row(2), "1: 3 10 0");
 }
 

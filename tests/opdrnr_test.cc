@@ -69,7 +69,7 @@ TEST(Opdrachtnummer, TheFieldRepeatsUntilItIsOne) {
     scr_getkey("x");
   });
   t.type("1234568\r");
-  EXPECT_TRUE(t.shows("Ongeldig nummer"));
+  EXPECT_SHOWS(t, "Ongeldig nummer");
   t.type("1234569\r");
   EXPECT_EQ(t.row(5), "1 21234569");
   t.type(std::string(toets::Back) + toets::Enter);  // emptied

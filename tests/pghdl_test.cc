@@ -135,7 +135,7 @@ TEST_F(Veld, WhatIsTypedBecomesTheSet) {
   t.type("3-5,9\r");
   EXPECT_EQ(t.row(4), "anders deel 3-5,9");
   t.type("3,3\r");
-  EXPECT_TRUE(t.shows("<3> Filiaal reeds geselecteerd"));
+  EXPECT_SHOWS(t, "<3> Filiaal reeds geselecteerd");
   t.type("7\r");
   EXPECT_EQ(t.row(4), "anders deel 7");
   t.type("\r");
@@ -151,36 +151,29 @@ TEST_F(Veld, WhatIsTypedBecomesTheSet) {
 TEST_F(Veld, TheListHasSeriesOneAndKeepsTheOthers) {
   start("60s,I", true);
   t.type(toets::F5);
-  EXPECT_TRUE(t.shows("alle filialen        alle"));
+  EXPECT_SHOWS(t, "alle filialen        alle");
   t.type("T");
-  EXPECT_TRUE(t.shows("Toevoegen filiaalreeks"));
-  t.type("grote winkels\r");
-  t.type("1,2,9\r");
-  EXPECT_TRUE(t.shows("grote winkels        1-2,9"));
+  EXPECT_SHOWS(t, "Toevoegen filiaalreeks");
+  t.type("grote winkels\r", "1,2,9\r");
+  EXPECT_SHOWS(t, "grote winkels        1-2,9");
   t.type("S");  // the one just made
   EXPECT_EQ(t.row(4), "anders deel 1-2,9");
-  t.type(toets::F5);
-  t.type(toets::Down);
-  t.type("W");
-  EXPECT_TRUE(t.shows("Wijzigen filiaalreeks"));
-  t.type("winkels\r");
-  t.type("1-10\r");
-  EXPECT_TRUE(t.shows("winkels              1-10"));
+  t.type(toets::F5, toets::Down, "W");
+  EXPECT_SHOWS(t, "Wijzigen filiaalreeks");
+  t.type("winkels\r", "1-10\r");
+  EXPECT_SHOWS(t, "winkels              1-10");
   EXPECT_FALSE(t.shows("grote"));
   t.type("V");
-  EXPECT_TRUE(t.shows("Verwijderen filiaalreeks"));
+  EXPECT_SHOWS(t, "Verwijderen filiaalreeks");
   t.type("J\r");
   EXPECT_FALSE(t.shows("winkels"));
-  EXPECT_TRUE(t.shows("alle filialen        alle"));
-  t.type("T");
-  t.type("leeg\r");
+  EXPECT_SHOWS(t, "alle filialen        alle");
+  t.type("T", "leeg\r");
   t.type("\r");  // no set is every branch
-  EXPECT_TRUE(t.shows("leeg                 alle"));
-  t.type("V");
-  t.type("J\r");
-  t.type("V");
+  EXPECT_SHOWS(t, "leeg                 alle");
+  t.type("V", "J\r", "V");
   t.type("J\r");  // series 1 comes back
-  EXPECT_TRUE(t.shows("alle filialen        alle"));
+  EXPECT_SHOWS(t, "alle filialen        alle");
   t.type(toets::F3);
   EXPECT_EQ(t.row(4), "anders alle 0-11");
 }
@@ -193,9 +186,8 @@ TEST_F(Veld, TheHundredthSeriesDoesNotFit) {
     ProefSysteem::zet(SYS_FILIAALREEKSEN.basis + (n - 1) * 56, &rec, sizeof rec);
   }
   start("60s,I", true);
-  t.type(toets::F5);
-  t.type("T");
-  EXPECT_TRUE(t.shows("Geen ruimte meer beschikbaar"));
+  t.type(toets::F5, "T");
+  EXPECT_SHOWS(t, "Geen ruimte meer beschikbaar");
 }
 
 }  // namespace

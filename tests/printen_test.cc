@@ -1,51 +1,13 @@
 // Printing as the operator has it: the list of destinations, the questions, an interruption, and
 // the printer port of the own terminal.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <sstream>
-#include <string>
-#include <thread>
-
-#include "isam/base.h"
-#include "isam/ix.h"
-#include "prt/prt.h"
-#include "prt/tabellen.h"
 #include "scr/scr.h"
+#include "tests/support/print_proef.h"
 #include "tests/support/terminal.h"
-#include "tests/support/tijdelijk.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
-std::string lees(const std::string& pad) {
-  std::ifstream in(pad, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-template <class R>
-void schrijf(const char* tabel, R rec) {
-  ICB* icb = IXOPEN(tabel, IX_GEDEELD);
-  IXWRITE(icb, &rec);
-  IXCLOSE(icb);
-}
-
 void printer(uint16_t nr, const char* naam, const char* device, uint8_t to_dir) {
-  PtrgRec g{nr, 0, ""};
-  veld_zet(g.name, sizeof g.name, naam);
-  PtrcRec c{nr, 1, to_dir, "", "kabel"};
-  veld_zet(c.device, sizeof c.device, device);
-  schrijf(TR_PTRG, g);
-  schrijf(TR_PTRC, c);
-  schrijf(TR_PTRP, PtrpRec{nr, 1, 1, 80, 64, "staand", "", ""});
+  prt_printer(nr, naam, device, to_dir, {0, 1, 1, 80, 64, "staand", "", ""});
 }
 
 void regel(const char* tekst) {
@@ -76,13 +38,7 @@ struct Programma {
   }
   std::string klaar() {
     EXPECT_EQ(t.exit_status(), 0);
-    return lees(map / "klaar");
-  }
-  std::string wacht_op(const std::string& naam) {
-    for (int i = 0; i < 1000 && lees(map / naam).empty(); ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return lees(map / naam);
+    return bytes_van(map / "klaar");
   }
 };
 
@@ -98,7 +54,7 @@ int vraag_80() {
 
 TEST(Printen, TheListShowsWhatSuitsAndTakesThePick) {
   Programma p(vraag_80);
-  EXPECT_TRUE(p.t.shows("Printbestemming")) << p.t.screen();
+  EXPECT_SHOWS(p.t, "Printbestemming");
   EXPECT_EQ(p.t.row(4).substr(4, 76),
             "Printer      Device               Configuratie                  Kol  Rij O W");
   EXPECT_TRUE(p.t.row(5).find(
@@ -119,7 +75,7 @@ TEST(Printen, TheListShowsWhatSuitsAndTakesThePick) {
 TEST(Printen, LeavingTheListIsARefusalWhereTheScreenIsNotAllowed) {
   Programma p(vraag_80);
   p.t.type(toets::Esc);
-  EXPECT_TRUE(p.t.shows("Er is geen geldig uitvoermedium geselecteerd")) << p.t.screen();
+  EXPECT_SHOWS(p.t, "Er is geen geldig uitvoermedium geselecteerd");
   p.t.type(toets::Enter);
   EXPECT_EQ(p.klaar().substr(0, 1), "0");
 }
@@ -130,9 +86,9 @@ TEST(Printen, AReportThatNeedsADestinationComesBackToTheList) {
     return vraag_80();
   });
   p.t.type(toets::Esc);
-  EXPECT_TRUE(p.t.shows("U dient een printbestemming te selecteren")) << p.t.screen();
+  EXPECT_SHOWS(p.t, "U dient een printbestemming te selecteren");
   p.t.type(toets::Enter);
-  EXPECT_TRUE(p.t.shows("Printbestemming"));
+  EXPECT_SHOWS(p.t, "Printbestemming");
   p.t.type(toets::F3);
   EXPECT_EQ(p.klaar(), "1 80 /dev/null");
 }
@@ -143,10 +99,9 @@ TEST(Printen, AFileOfNoOneWidthAsksForIt) {
     if (goed != 0) print_close("");
     return goed;
   });
-  EXPECT_TRUE(p.t.shows("Printbreedte")) << p.t.screen();
-  EXPECT_TRUE(p.t.shows("132 koloms"));
+  EXPECT_SHOWS(p.t, "Printbreedte", "132 koloms");
   p.t.type("4");  // 40 columns will not do
-  EXPECT_TRUE(p.t.shows("Printbreedte"));
+  EXPECT_SHOWS(p.t, "Printbreedte");
   p.t.type("1");
   EXPECT_EQ(p.klaar(), "1 132 uit.lst");
 }
@@ -166,7 +121,9 @@ TEST(Printen, AnInterruptionIsPrintedBehindWhatThereIs) {
   p.t.type("\r");
   EXPECT_EQ(p.klaar().substr(0, 1), "1");
   const std::string sterren(25, '*');
-  EXPECT_EQ(p.wacht_op("uit.lst"),
+  const std::string uit = p.map / "uit.lst";
+  EXPECT_TRUE(wacht_tot([&] { return !bytes_van(uit).empty(); }));
+  EXPECT_EQ(bytes_van(uit),
             "half\nhangt\n\n\n" + sterren + "\n** Printen onderbroken **\n" + sterren + "\n\f");
 }
 
@@ -185,9 +142,7 @@ TEST(Printen, ThePrinterPortOfTheOwnTerminal) {
   EXPECT_EQ(p.klaar().substr(0, 1), "1");
   const std::string bon = "\x1b[5ibon\n\f\x1b[4i";
   EXPECT_NE(p.t.output().find(bon + bon), std::string::npos);
-  for (const auto& e : fs::directory_iterator(p.map.pad)) {
-    EXPECT_FALSE(e.path().filename().string().starts_with("PR")) << e.path();
-  }
+  EXPECT_EQ(prt_spools(p.map.pad), 0);
 }
 
 TEST(Printen, ADirectoryThatIsNoneIsTold) {
@@ -202,7 +157,6 @@ TEST(Printen, ADirectoryThatIsNoneIsTold) {
         scr_exit(0);
       },
       o);
-  EXPECT_TRUE(t.shows("PRINTEN")) << t.screen();
-  EXPECT_TRUE(t.shows("De env.var. KOBPRT bevat geen geldige directorie."));
-  EXPECT_TRUE(t.shows("De huidige directorie wordt gebruikt."));
+  EXPECT_SHOWS(t, "PRINTEN", "De env.var. KOBPRT bevat geen geldige directorie.",
+               "De huidige directorie wordt gebruikt.");
 }

@@ -154,13 +154,13 @@ TEST(Meldingen, BoxesWaitForEnter) {
                            │ <ENTER> voor vervolg  │
                            └───────────────────────┘)");
   t.type("x");  // anything but Enter leaves it
-  EXPECT_TRUE(t.shows("waarschuwing"));
+  EXPECT_SHOWS(t, "waarschuwing");
   t.type(toets::Enter);
   EXPECT_TRUE(t.shows("Klaar") && !t.shows("waarschuwing"));
   t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("─PAD/X.TXT─") && t.shows("Opnieuw? (J/N)"));
+  EXPECT_SHOWS(t, "─PAD/X.TXT─", "Opnieuw? (J/N)");
   t.type("j\r");
-  EXPECT_TRUE(t.shows("Versie pakket") && t.shows("<ENTER> voor vervolg"));
+  EXPECT_SHOWS(t, "Versie pakket", "<ENTER> voor vervolg");
   t.type(toets::Enter);
   EXPECT_EQ(t.row(1), "1");
   EXPECT_EQ(eind(t), 0);
@@ -174,7 +174,7 @@ TEST(Meldingen, ProgressBar) {
     ix_hooks.voortgang(nullptr, 0, 0);
     wacht();
   });
-  EXPECT_TRUE(t.shows("Voortgang DTSER") && t.shows(" 25 %"));
+  EXPECT_SHOWS(t, "Voortgang DTSER", " 25 %");
   EXPECT_TRUE(t.reverse(12, 16) && t.reverse(12, 27) && !t.reverse(12, 28));
   t.type("x");
   EXPECT_EQ(t.screen().find_first_not_of('\n'), std::string::npos);
@@ -290,13 +290,13 @@ TEST(Afbreken, TheLastScreen) {
       while (!terminal || scr_ctx->win_count < SCR_VENSTERS) win_open1(2, 2, 3, 3);
       scr_term_open("-w");  // brings a window of its own
     });
-    EXPECT_TRUE(diep.shows("win_open : Teveel vensters open")) << diep.screen();
+    EXPECT_SHOWS(diep, "win_open : Teveel vensters open");
     diep.type("\r");
     EXPECT_EQ(diep.exit_status(), 1);
   }
 
   Terminal dicht = start_in_child([] { ix_hooks = IX_HOOKS_KAAL, scr_abort("vroeg"); });
-  EXPECT_TRUE(dicht.shows("PROGRAMMA AFGEBROKEN\nvroeg\nNeem contact op met de Support-groep"));
+  EXPECT_SHOWS(dicht, "PROGRAMMA AFGEBROKEN\nvroeg\nNeem contact op met de Support-groep");
   dicht.type("\r");
   EXPECT_EQ(dicht.exit_status(), 1);
 }
@@ -390,8 +390,7 @@ TEST(Terminals, WideFallsBackWhereItDoesNot) {
   EXPECT_EQ(t.row(3), "gewoon");
   EXPECT_EQ(t.row(25), "");
   EXPECT_EQ(t.text(5, 5, 20), "┌─────venster──────┐");
-  t.type("x");
-  t.type(toets::Up);
+  t.type("x", toets::Up);
   EXPECT_EQ(t.text(6, 5, 6), "│259 g") << t.screen();
   EXPECT_EQ(eind(t), 0);
 }

@@ -13,8 +13,7 @@
 
 namespace {
 
-constexpr const char *Enter = toets::Enter, *Esc = toets::Esc;
-std::string in(const char* tekst) { return std::string(tekst) + Enter; }
+using namespace toets;
 
 struct Scherm : testing::Test {
   Keten k;
@@ -74,53 +73,42 @@ VOORRAADBEHEER
   EXPECT_TRUE(t.reverse(3, 2));
   EXPECT_EQ(t.row(24), "Uw keuze _ I, W, B, O, A");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("m0 a0-0 k0-0"));
-  EXPECT_TRUE(t.shows("aangevuld 0-29990"));
+  EXPECT_SHOWS(t, "m0 a0-0 k0-0", "aangevuld 0-29990");
   EXPECT_EQ(file_size("DTSEL013.000"), 32 + 13 * 2);
 }
 
 TEST_F(Scherm, StandardSeriesHaveNoYears) {
   Terminal t = start(13);
-  t.type("19");
-  t.type(in("s"));
+  t.type("19", in("s"));
   EXPECT_EQ(t.text(11, 26, 9), "standaard");
   EXPECT_EQ(t.text(12, 26, 8), "geen    ");
   EXPECT_EQ(t.text(13, 26, 8), "geen    ");
-  t.type("19");
-  t.type(in("M"));
+  t.type("19", in("M"));
   EXPECT_EQ(t.text(11, 26, 9), "modisch  ");
   EXPECT_EQ(t.text(13, 26, 8), "laatste ");
   t.type(in("22"));  // the field stands on the year from
   EXPECT_EQ(t.text(12, 26, 8), "2022    ");
   t.type(in("21"));
-  EXPECT_TRUE(t.shows("Alleen 2022 t/m 2999 mogelijk"));
-  t.type(in("2023"));
-  t.type(in("z"));
+  EXPECT_SHOWS(t, "Alleen 2022 t/m 2999 mogelijk");
+  t.type(in("2023"), in("z"));
   EXPECT_EQ(t.text(13, 26, 8), "2023 Z  ");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("j20220-20232 h2."));
+  EXPECT_SHOWS(t, "j20220-20232 h2.");
 }
 
 TEST_F(Scherm, RangesThatEndBeforeTheyBeginAreNamedAndTheEndIsAsked) {
   Terminal t = start(13);
-  t.type("13");
-  t.type(in("20000"));
-  t.type("12");
-  t.type(in("30000"));
-  EXPECT_TRUE(t.shows("Ongeldige artikelgroep vanaf - t/m"));
+  t.type("13", in("20000"), "12", in("30000"));
+  EXPECT_SHOWS(t, "Ongeldige artikelgroep vanaf - t/m");
   EXPECT_EQ(t.cursor_row(), 5);
   t.type(in("10"));
-  EXPECT_TRUE(t.shows("Alleen 30000 t/m 99999 mogelijk"));
-  t.type(in("40000"));
-  t.type("17");
-  t.type(in("5"));
-  t.type("16");
-  t.type(in("9"));
-  EXPECT_TRUE(t.shows("Ongeldig kleurnummer vanaf - t/m"));
-  t.type(std::string(toets::Back) + Enter);
+  EXPECT_SHOWS(t, "Alleen 30000 t/m 99999 mogelijk");
+  t.type(in("40000"), "17", in("5"), "16", in("9"));
+  EXPECT_SHOWS(t, "Ongeldig kleurnummer vanaf - t/m");
+  t.type(std::string(Back) + Enter);
   EXPECT_EQ(t.text(9, 26, 8), "laatste ");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("a30000-40000 k9-0"));
+  EXPECT_SHOWS(t, "a30000-40000 k9-0");
 }
 
 TEST_F(Scherm, TargetGroupsAndSeasonsAreTypedWithCommas) {
@@ -129,46 +117,37 @@ TEST_F(Scherm, TargetGroupsAndSeasonsAreTypedWithCommas) {
   EXPECT_EQ(t.row(24),
             "Ingave doelgroepen, gescheiden door komma's; F5 voor overzicht omschrijvingen");
   t.type(in("D,HM"));
-  EXPECT_TRUE(t.shows("<M> Komma verwacht"));
+  EXPECT_SHOWS(t, "<M> Komma verwacht");
   t.type(in("D,,H"));
-  EXPECT_TRUE(t.shows("<,> Ongeldige ingave"));
+  EXPECT_SHOWS(t, "<,> Ongeldige ingave");
   t.type(in("D.H,D"));
-  EXPECT_TRUE(t.shows("<D> Doelgroep reeds geselecteerd"));
+  EXPECT_SHOWS(t, "<D> Doelgroep reeds geselecteerd");
   t.type(in("D.H,"));
   EXPECT_EQ(t.text(10, 26, 5), "D,H  ");
-  t.type("20");
-  t.type(in("ww"));
+  t.type("20", in("ww"));
   EXPECT_EQ(t.text(14, 26, 5), "W    ");
-  t.type("21");
-  t.type(in("1,2"));
+  t.type("21", in("1,2"));
   EXPECT_EQ(t.text(15, 26, 5), "1,2, ");
-  t.type("21");
-  t.type(std::string(toets::Back) + Enter);
+  t.type("21", std::string(Back) + Enter);
   EXPECT_EQ(t.text(15, 26, 5), "alle ");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("dg[DH] sz[W]"));
+  EXPECT_SHOWS(t, "dg[DH] sz[W]");
 }
 
 TEST_F(Scherm, OneBrandShowsItsNameAndTwoAreSeveral) {
   Terminal t = start(13);
-  t.type("11");
-  t.type(in("7"));
+  t.type("11", in("7"));
   EXPECT_EQ(t.text(3, 26, 20), "   7  ZILT Zilt     ");
   t.type("11");
-  t.type(toets::F5);  // the list opens at the brand, which is marked
-  t.type(toets::Up);
-  t.type(toets::F7);
-  t.type(toets::F3);
+  t.type(F5);  // the list opens at the brand, which is marked
+  t.type(Up, F7, F3);
   EXPECT_EQ(t.text(3, 30, 16), ", ...  meerdere ");
-  t.type("14");
-  t.type(toets::F5);
-  EXPECT_TRUE(t.shows("Selecteren model alleen mogelijk bij 1 merk"));
-  t.type(Enter);
-  t.type(Esc);
-  t.type("i");
+  t.type("14", F5);
+  EXPECT_SHOWS(t, "Selecteren model alleen mogelijk bij 1 merk");
+  t.type(Enter, Esc, "i");
   EXPECT_EQ(t.text(3, 26, 10), "alle      ");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("m0 a0-0"));
+  EXPECT_SHOWS(t, "m0 a0-0");
 }
 
 TEST_F(Scherm, ChangingAsksForAFieldUntilItIsLeftAndEnterTakesAllOfThem) {
@@ -176,24 +155,22 @@ TEST_F(Scherm, ChangingAsksForAFieldUntilItIsLeftAndEnterTakesAllOfThem) {
   t.type("w");
   EXPECT_EQ(t.row(24), "Uw keuze __ 11-21  <ENTER> voor alle");
   t.type("22");
-  EXPECT_TRUE(t.shows("<22> Ongeldige ingave"));
-  t.type("12");
-  t.type(in("10100"));
+  EXPECT_SHOWS(t, "<22> Ongeldige ingave");
+  t.type("12", in("10100"));
   EXPECT_EQ(t.text(4, 26, 8), "10100   ");
-  EXPECT_TRUE(t.shows("<ENTER> voor alle"));
+  EXPECT_SHOWS(t, "<ENTER> voor alle");
   t.type(Enter);
   for (const int rij : {3, 4, 5, 6}) {
     EXPECT_EQ(t.cursor_row(), rij);
     t.type(Enter);
   }
-  EXPECT_TRUE(t.shows("Kenmerk"));
-  EXPECT_TRUE(t.shows("0  Alle"));
+  EXPECT_SHOWS(t, "Kenmerk", "0  Alle");
   t.type("0");
   for (const int rij : {8, 9, 10, 11, 12, 13, 14, 15}) {
     EXPECT_EQ(t.cursor_row(), rij);
     t.type(Enter);
   }
-  EXPECT_TRUE(t.shows("<ENTER> voor alle"));
+  EXPECT_SHOWS(t, "<ENTER> voor alle");
   t.type(Esc);
   EXPECT_EQ(t.row(24), "Uw keuze _ I, W, B, O, A");
 }
@@ -207,96 +184,78 @@ TEST_F(Scherm, PeriodsStartAtTheirDefaultsAndMustNotRunBack) {
   t.type(in("010125"));
   EXPECT_EQ(t.text(19, 47, 6), vandaag);
   t.type(in("311224"));
-  EXPECT_TRUE(t.shows("Ongeldige periode"));
+  EXPECT_SHOWS(t, "Ongeldige periode");
   EXPECT_EQ(t.text(19, 26, 6), "010125");
-  t.type(Enter);
-  t.type(in("020125"));
+  t.type(Enter, in("020125"));
   EXPECT_EQ(t.text(19, 26, 27), "010125           t/m 020125");
-  t.type("25");
-  t.type(in("010180"));
-  t.type(in(vandaag.c_str()));
+  t.type("25", in("010180"), in(vandaag.c_str()));
   EXPECT_EQ(t.text(19, 26, 16), "eerste  (010180)");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("d0-0 "));
+  EXPECT_SHOWS(t, "d0-0 ");
 }
 
 TEST_F(Scherm, StockLimitsActionsAndRemovalHaveTheirOwnFields) {
   Terminal t = start(10);
   EXPECT_EQ(t.text(20, 5, 33), "Series via EDI       alle series ");
   EXPECT_EQ(t.text(17, 26, 28), "eerste  (010180) t/m vandaag");
-  t.type("24");
-  t.type(in("12"));
+  t.type("24", in("12"));
   EXPECT_EQ(t.text(18, 26, 5), "   12");
-  t.type("25");
-  t.type(in("7"));
-  EXPECT_TRUE(t.shows("Alleen 12 t/m 99999 mogelijk"));
+  t.type("25", in("7"));
+  EXPECT_SHOWS(t, "Alleen 12 t/m 99999 mogelijk");
   t.type(in("99999"));
   EXPECT_EQ(t.text(19, 26, 7), "maximum");
-  t.type("26");
-  t.type("2");
+  t.type("26", "2");
   EXPECT_EQ(t.text(20, 26, 18), "series via pricat ");
   t.type(Esc);
-  EXPECT_TRUE(t.shows("v12-99999"));
+  EXPECT_SHOWS(t, "v12-99999");
 
   Terminal u = start(14);
   EXPECT_EQ(u.text(17, 26, 27), "eerste  (010180) t/m 010180");
   EXPECT_EQ(u.text(18, 26, 15), "geen (010180)  ");
   EXPECT_EQ(u.text(22, 2, 30), "28 INVENT.  invdat t/m  geen (");
   u.type("29");
-  EXPECT_TRUE(u.shows("Ja alleen series via Pricat zonder etiketten"));
+  EXPECT_SHOWS(u, "Ja alleen series via Pricat zonder etiketten");
   u.type("3");
   EXPECT_TRUE(u.row(23).ends_with("Ja  alleen series via Pricat zonder etiketten"));
-  u.type("29");
-  u.type("1");
+  u.type("29", "1");
   EXPECT_EQ(u.text(23, 26, 10), "Nee       ");
   u.type(Esc);
-  EXPECT_TRUE(u.shows("w00 "));
+  EXPECT_SHOWS(u, "w00 ");
 }
 
 TEST_F(Scherm, TheInventoryListAsksForPricesWhenItEnds) {
   Terminal t = start(20);
   EXPECT_EQ(t.row(20), "");  // a letter without a field
   t.type(Esc);
-  EXPECT_TRUE(t.shows("Aankoopprijzen? (J/N)"));
+  EXPECT_SHOWS(t, "Aankoopprijzen? (J/N)");
   t.type(in("N"));
-  EXPECT_TRUE(t.shows("Verkoopprijzen? (J/N)"));
+  EXPECT_SHOWS(t, "Verkoopprijzen? (J/N)");
   t.type(in("N"));
-  EXPECT_TRUE(t.shows("p0 "));
+  EXPECT_SHOWS(t, "p0 ");
 }
 
 TEST_F(Scherm, ASelectionIsSavedUnderANumberRecalledAndDeleted) {
   Terminal t = start(13);
-  t.type("12");
-  t.type(in("10100"));
-  t.type("b");
-  EXPECT_TRUE(t.shows("Bewaren selectie"));
-  t.type(in("3"));
-  t.type(in("Zomer"));
+  t.type("12", in("10100"), "b");
+  EXPECT_SHOWS(t, "Bewaren selectie");
+  t.type(in("3"), in("Zomer"));
   EXPECT_EQ(t.text(2, 47, 12), " 3  Zomer   ");
   t.type("i");
   EXPECT_EQ(t.text(4, 26, 6), "eerste");
   t.type("o");
-  EXPECT_TRUE(t.shows("nr  omschrijving"));
-  EXPECT_TRUE(t.shows(" 2  ** niet in gebruik **"));
-  EXPECT_TRUE(t.shows(" 3  Zomer"));
-  t.type(in("4"));
-  t.type(Enter);
-  EXPECT_TRUE(t.shows("Opgevraagde selectie is niet in gebruik"));
-  t.type(in("3"));
-  t.type(Enter);
+  EXPECT_SHOWS(t, "nr  omschrijving", " 2  ** niet in gebruik **", " 3  Zomer");
+  t.type(in("4"), Enter);
+  EXPECT_SHOWS(t, "Opgevraagde selectie is niet in gebruik");
+  t.type(in("3"), Enter);
   EXPECT_EQ(t.text(4, 26, 6), "10100 ");
 
-  t.type("b");
-  t.type(in("3"));
-  EXPECT_TRUE(t.shows("Huidige selectie 3  wordt vervangen. Akkoord? (J/N)"));
-  t.type(in("N"));
-  t.type(in("3"));
-  t.type(in("J"));
-  t.type(std::string(toets::Back) + Enter);
+  t.type("b", in("3"));
+  EXPECT_SHOWS(t, "Huidige selectie 3  wordt vervangen. Akkoord? (J/N)");
+  t.type(in("N"), in("3"), in("J"), std::string(Back) + Enter);
   EXPECT_EQ(t.text(2, 47, 12), "            ");
   EXPECT_FALSE(file_exists("DTSEL013.003"));
   t.type(Esc);
-  EXPECT_TRUE(t.shows("a10100-0"));
+  EXPECT_SHOWS(t, "a10100-0");
 }
 
 TEST_F(Scherm, AFileThatIsNoSelectionIsNamedAndLeavesAScreenThatWorks) {
@@ -305,29 +264,24 @@ TEST_F(Scherm, AFileThatIsNoSelectionIsNamedAndLeavesAScreenThatWorks) {
       << std::string(32, 'x') << "?!b\xFF" << std::string("\x10\x27\0\0", 4) << "a\xFE"
       << std::string("\2\0\0\0\x63\0\7\0", 8) << "f\xFF" << std::string(11, 'Q') << "k";
   Terminal t = start(13);  // the record is read once before the screen and once by it
-  EXPECT_TRUE(t.shows("Foutief merk in selectie"));
-  EXPECT_TRUE(t.shows("Merknr 99"));
+  EXPECT_SHOWS(t, "Foutief merk in selectie", "Merknr 99");
   t.type(Enter);
-  EXPECT_TRUE(t.shows("Merknr 99"));
+  EXPECT_SHOWS(t, "Merknr 99");
   t.type(Enter);
-  EXPECT_TRUE(t.shows("selectiebestand is inconsistent"));
+  EXPECT_SHOWS(t, "selectiebestand is inconsistent");
   EXPECT_EQ(t.text(3, 26, 10), "   7  ZILT");
   EXPECT_EQ(t.text(4, 26, 6), "10000 ");
-  t.type("18");
-  t.type(in("D"));
+  t.type("18", in("D"));
   EXPECT_EQ(t.text(10, 26, 3), "D  ");
 }
 
 TEST_F(Scherm, ThePrintOptionShowsAllFieldsAndComesBack) {
   Terminal t = start(13);
-  t.type("12");
-  t.type(in("10100"));
-  t.type("a");
-  EXPECT_TRUE(t.shows("Printbestemming"));
-  t.type(toets::F3);
-  EXPECT_TRUE(t.shows("Selectiecriteria VOORRAADBEHEER"));
-  EXPECT_TRUE(t.shows("\nArtikelgroep  vanaf  10100\n"));
-  EXPECT_TRUE(t.shows("\nDeelseizoen          alle\n"));
+  t.type("12", in("10100"), "a");
+  EXPECT_SHOWS(t, "Printbestemming");
+  t.type(F3);
+  EXPECT_SHOWS(t, "Selectiecriteria VOORRAADBEHEER", "\nArtikelgroep  vanaf  10100\n",
+               "\nDeelseizoen          alle\n");
   t.type(Esc);
   EXPECT_EQ(t.text(4, 2, 28), "12 Artikelgroep  vanaf  1010");
 }

@@ -339,33 +339,29 @@ TEST(SerieKeuze, KeepsAddsReordersAndEmptiesTheSelection) {
   for (uint16_t kleur = 1; kleur < 10; ++kleur) Keten::serie({10500, kleur, 1});
   k.sluit();
   Terminal t = start_keuze(k);
-  EXPECT_TRUE(t.shows("Sorteervolgorde AKV"));
+  EXPECT_SHOWS(t, "Sorteervolgorde AKV");
   t.type(toets::Enter);
   t.type("16");  // the first colour
-  t.type(std::string("8") + toets::Enter);
-  t.type(toets::Esc);
+  t.type(toets::in("8"), toets::Esc);
   EXPECT_EQ(t.row(2), "2 AKV 1.");
   t.type(toets::Enter);
 
-  t.type("s");
-  t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("Huidige selectie eerst leegmaken? (J/N)"));
+  t.type("s", toets::Enter);
+  EXPECT_SHOWS(t, "Huidige selectie eerst leegmaken? (J/N)");
   t.type(toets::Enter);  // no: what comes is added
-  t.type("16");
-  t.type(std::string("5") + toets::Enter);
-  t.type(toets::Esc);
+  t.type("16", toets::in("5"), toets::Esc);
   EXPECT_EQ(t.row(2), "5 AKV 1.");
   t.type(toets::Enter);
 
   t.type("s");
-  t.type(std::string("K") + toets::Enter);  // another order, so an empty file
+  t.type(toets::in("K"));  // another order, so an empty file
   t.type(toets::Esc);
   EXPECT_EQ(t.row(2), "5 KAV 1.");  // slot 0 still asks for colour 5 and up
   t.type(toets::Enter);
 
   t.type("v");
-  EXPECT_TRUE(t.shows("De selectie wordt verwijderd. Akkoord? (J/N)"));
-  t.type(std::string("J") + toets::Enter);
+  EXPECT_SHOWS(t, "De selectie wordt verwijderd. Akkoord? (J/N)");
+  t.type(toets::in("J"));
   EXPECT_EQ(t.row(2), "0 KAV 0.");
 }
 

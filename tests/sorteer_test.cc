@@ -67,31 +67,30 @@ Terminal vraag(const char* allowed, const char* order) {
 
 TEST(Sorteer, TheDialogNamesTheLettersAndAddsWhatAKeyNeeds) {
   Terminal t = vraag("AKVRMDJSENZBL", "AKV");
-  EXPECT_TRUE(t.shows("Sorteermogelijkheden"));
+  EXPECT_SHOWS(t, "Sorteermogelijkheden");
   EXPECT_EQ(t.text(5, 22, 16), "A = Artikelgroep");
   EXPECT_EQ(t.text(17, 22, 11), "L = Locatie");
   EXPECT_EQ(t.text(18, 22, 19), "Sorteervolgorde AKV");
-  t.type("rm");
-  t.type(toets::Enter);
+  t.type("rm", toets::Enter);
   EXPECT_EQ(t.row(1).substr(0, 8), "1 RMAKV.");
 }
 
 TEST(Sorteer, TheDialogAsksAgainUntilTheOrderFits) {
   Terminal t = vraag("AKVRMDJSENZBL", "AKV");
-  t.type(std::string("RR") + toets::Enter);
-  EXPECT_TRUE(t.shows("<R> Ongeldige ingave"));
-  t.type(std::string("RMDJSENZ") + toets::Enter);  // eight, and three to come
-  EXPECT_TRUE(t.shows("Te veel velden in sorteervolgorde"));
-  t.type(std::string("RMDJSEKZVA") + toets::Enter);
+  t.type(toets::in("RR"));
+  EXPECT_SHOWS(t, "<R> Ongeldige ingave");
+  t.type(toets::in("RMDJSENZ"));  // eight, and three to come
+  EXPECT_SHOWS(t, "Te veel velden in sorteervolgorde");
+  t.type(toets::in("RMDJSEKZVA"));
   EXPECT_EQ(t.row(1).substr(0, 13), "1 RMDJSEKZVA.");
 }
 
 TEST(Sorteer, ATildeTurnsTheAddingOffButNotTheCount) {
   Terminal t = vraag("AKVRMDJSENZBL~", "AKV");
   EXPECT_EQ(t.text(18, 22, 19), "Sorteervolgorde AKV");  // the sign is no letter
-  t.type(std::string("RMDJSENZ") + toets::Enter);
-  EXPECT_TRUE(t.shows("Te veel velden"));
-  t.type(std::string("RM") + toets::Enter);
+  t.type(toets::in("RMDJSENZ"));
+  EXPECT_SHOWS(t, "Te veel velden");
+  t.type(toets::in("RM"));
   EXPECT_EQ(t.row(1).substr(0, 5), "1 RM.");
 }
 
@@ -101,8 +100,8 @@ TEST(Sorteer, LeavingKeepsTheOrderAndNumbersAreForLabelsOnly) {
   EXPECT_EQ(t.row(1).substr(0, 7), "0 RAKV.");
   Terminal u = vraag("AKVRU", "AKV");
   EXPECT_FALSE(u.shows("Nummer"));
-  u.type(std::string("U") + toets::Enter);
-  EXPECT_TRUE(u.shows("Sorteren op nummer is hier niet mogelijk"));
+  u.type(toets::in("U"));
+  EXPECT_SHOWS(u, "Sorteren op nummer is hier niet mogelijk");
   EXPECT_EQ(u.row(1).substr(0, 6), "0 AKV.");
 }
 

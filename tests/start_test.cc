@@ -41,7 +41,7 @@ struct Start : testing::Test {
   void weigert(const Woorden& woorden, const std::string& tekst, const char* naam = "proefprog") {
     Terminal t = programma(naam, woorden, wacht_op_toets);
     EXPECT_TRUE(t.shows("PROGRAMMA AFGEBROKEN")) << tekst;
-    EXPECT_TRUE(t.shows(tekst)) << t.screen();
+    EXPECT_SHOWS(t, tekst);
     t.type(toets::Enter);
     EXPECT_EQ(t.exit_status(), 1);
   }
@@ -66,8 +66,7 @@ TEST_F(Start, RefusalShowsTheProgramAndItsVersion) {
   Terminal t = programma("proefprog", {"p"}, wacht_op_toets);
   EXPECT_TRUE(t.reverse(1, 2));
   EXPECT_EQ(t.row(1), " proefprog 8.70");
-  EXPECT_TRUE(t.shows("870 05-4-2016"));
-  EXPECT_TRUE(t.shows("Apr  5 2016 13:38:47"));
+  EXPECT_SHOWS(t, "870 05-4-2016", "Apr  5 2016 13:38:47");
 }
 
 TEST_F(Start, AnotherRelease) {
@@ -87,7 +86,7 @@ TEST_F(Start, RunningSessionHoldsItsRecordWithStatusOne) {
     return iotab('T', &nummer, nullptr, SYS_TERMINALS) ? "vrij" : "bezet";
   });
   Terminal t = programma("proefprog", GOED, wacht_op_toets);
-  EXPECT_TRUE(t.shows("gestart"));
+  EXPECT_SHOWS(t, "gestart");
   EXPECT_EQ(ander.ask(""), "bezet");
   EXPECT_EQ(status_op_schijf(), 1);
   t.type(toets::Enter);
@@ -98,7 +97,7 @@ TEST_F(Start, RunningSessionHoldsItsRecordWithStatusOne) {
 TEST_F(Start, CriticalStatusSurvivesTheStart) {
   ProefSysteem::terminal(7, "jan", "3", "proefprog", 11);
   Terminal t = programma("proefprog", GOED, wacht_op_toets);
-  EXPECT_TRUE(t.shows("gestart"));
+  EXPECT_SHOWS(t, "gestart");
   EXPECT_EQ(status_op_schijf(), 11);
 }
 
@@ -107,7 +106,7 @@ TEST_F(Start, LocaleKeepsItsCharactersAndThePointInNumbers) {
     msg_info(str_format("caf\x82 %.2f %s", 1.5, session_caller).c_str());
     scr_exit(0);
   });
-  EXPECT_TRUE(t.shows("café 1.50 hoofdmnu")) << t.screen();
+  EXPECT_SHOWS(t, "café 1.50 hoofdmnu");
 }
 
 TEST_F(Start, HomeCurrencyWithoutDecimalsHoldsForTheChain) {
@@ -119,10 +118,10 @@ TEST_F(Start, HomeCurrencyWithoutDecimalsHoldsForTheChain) {
     scr_exit(0);
   };
   Terminal jpy = programma("", {"p"}, toon);
-  EXPECT_TRUE(jpy.shows("geset [ 150] 1")) << jpy.screen();
+  EXPECT_SHOWS(jpy, "geset [ 150] 1");
   ProefSysteem::zet(14 * 64, "EUR", 3);
   Terminal eur = programma("", {"p"}, toon);
-  EXPECT_TRUE(eur.shows(" [1.50] 1")) << eur.screen();
+  EXPECT_SHOWS(eur, " [1.50] 1");
 }
 
 TEST_F(Start, BusyTerminalNamesItsHolderAndIsWaitedFor) {
@@ -136,7 +135,7 @@ TEST_F(Start, BusyTerminalNamesItsHolderAndIsWaitedFor) {
   Terminal t = programma("proefprog", GOED, wacht_op_toets);
   EXPECT_TRUE(t.wait_for("SYSTEEM-Informatie in gebruik door jan (tty3)"));
   houder.kill_now();
-  EXPECT_TRUE(t.shows("gestart"));
+  EXPECT_SHOWS(t, "gestart");
 }
 
 TEST_F(Start, TableLockNamesTableAndHolder) {
@@ -170,9 +169,9 @@ TEST_F(Start, InquiryUserIsToldAndRefused) {
     terminal_rec.rechten = 'S';
     scr_exit(ctl_has_rights() ? 0 : 3);
   });
-  EXPECT_TRUE(t.shows("U heeft geen wijzigingsbevoegdheid!"));
+  EXPECT_SHOWS(t, "U heeft geen wijzigingsbevoegdheid!");
   t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("mag niet"));
+  EXPECT_SHOWS(t, "mag niet");
   EXPECT_FALSE(t.shows("U heeft geen"));
   t.type(toets::Enter);
   EXPECT_EQ(t.exit_status(), 0);
@@ -218,7 +217,7 @@ TEST_F(Start, NextProgramGetsItsArgumentsFromEachPlace) {
   for (const auto& g : gevallen) {
     ProefSysteem::terminal(7, "jan", "3", "proefprog");
     Terminal t = programma("proefprog", GOED, verder, g.env);
-    EXPECT_TRUE(t.shows(std::string(g.merk) + ":4:voorraad:jan:7:proefprog:")) << t.screen();
+    EXPECT_SHOWS(t, std::string(g.merk) + ":4:voorraad:jan:7:proefprog:");
     EXPECT_EQ(ProefSysteem::bytes("DTSYS.TXT", 2640 + 6 * 64 + 48, 10),
               std::string("voorraad\0\0", 10));
     EXPECT_EQ(status_op_schijf(), 2);
@@ -226,13 +225,13 @@ TEST_F(Start, NextProgramGetsItsArgumentsFromEachPlace) {
   script("voorraad", "hier");
   ProefSysteem::terminal(7, "jan", "3", "proefprog");
   Terminal t = programma("proefprog", GOED, verder, {"TSTBIN", "BIN", pad});
-  EXPECT_TRUE(t.shows("hier:4:voorraad:jan:7:proefprog:")) << t.screen();
+  EXPECT_SHOWS(t, "hier:4:voorraad:jan:7:proefprog:");
 }
 
 TEST_F(Start, ProgramThatIsNowhere) {
   Terminal t = programma("proefprog", GOED, [] { ctl_next("nergens"); },
                          {"TSTBIN=" + systeem.map.pad, "BIN", "PATH=/usr/bin"});
-  EXPECT_TRUE(t.shows("Programma nergens niet gevonden")) << t.screen();
+  EXPECT_SHOWS(t, "Programma nergens niet gevonden");
   t.type(toets::Enter);
   EXPECT_EQ(t.exit_status(), 1);
 }
@@ -260,7 +259,7 @@ TEST_F(Start, LastProgramOfTheChainClearsItsTerminal) {
                            ctl_next("hoofdmnu");
                          },
                          {"TSTBIN", "BIN"});
-  EXPECT_TRUE(m.shows("menu:4:hoofdmnu:jan:7:proefprog:")) << m.screen();
+  EXPECT_SHOWS(m, "menu:4:hoofdmnu:jan:7:proefprog:");
   EXPECT_EQ(status_op_schijf(), 12);
   EXPECT_EQ(woord(44), 0);
   EXPECT_EQ(woord(60), 4321);

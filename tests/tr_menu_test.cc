@@ -67,8 +67,7 @@ TEST(TrMenu, ABoxShowsItsItemsAndPassesOverWhatIsOff) {
 TEST(TrMenu, AHotLetterOrASecondKeyPicksOnlyWhatIsOn) {
   Terminal t = start_tr(doos, 1012);
   EXPECT_TRUE(t.reverse(9, 62));
-  t.type("l");
-  t.type(toets::Left);
+  t.type("l", toets::Left);
   EXPECT_EQ(t.row(24), "");
   t.type("t");
   EXPECT_EQ(t.row(24), "1: 1012");
@@ -87,7 +86,7 @@ TEST(TrMenu, AKeyThatWaitsPicksAtOnceOrGoesToTheMenu) {
   EXPECT_EQ(letter.row(24), "1: 1011");
   Terminal uit = start_tr(doos, -1, 'l');  // off: the menu stands and waits
   EXPECT_EQ(uit.row(24), "");
-  EXPECT_TRUE(uit.shows("PrintMenu"));
+  EXPECT_SHOWS(uit, "PrintMenu");
   Terminal escape = start_tr(doos, -1, TOETS_ESC);
   EXPECT_EQ(escape.row(24), "1: -1");
 }
@@ -97,25 +96,20 @@ TEST(TrMenu, ABarOpensBoxesAndMovesFromOneToTheNext) {
   EXPECT_EQ(t.row(2), " Bestand    Dicht      Nieuw");
   t.type(toets::Right);  // nothing stands under "Dicht"
   EXPECT_TRUE(t.reverse(2, 24));
-  t.type(toets::Left);
-  t.type(toets::Down);
+  t.type(toets::Left, toets::Down);
   EXPECT_EQ(t.row(4), "│ Openen │");
   t.type(toets::Left);
   EXPECT_EQ(t.row(4).find("Openen"), std::string::npos);
   EXPECT_EQ(t.text(4, 23, 11), "│ Artikel │");
-  t.type(toets::Right);
-  t.type(toets::Down);
-  t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("Verder weg"));
+  t.type(toets::Right, toets::Down, toets::Enter);
+  EXPECT_SHOWS(t, "Verder weg");
   t.type(toets::Right);  // out of both boxes
   EXPECT_FALSE(t.shows("Verder weg") || t.shows("Openen"));
-  EXPECT_TRUE(t.shows("Artikel"));
+  EXPECT_SHOWS(t, "Artikel");
   t.type(toets::Esc);
   EXPECT_FALSE(t.shows("Artikel"));
-  EXPECT_TRUE(t.shows("Bestand"));
-  t.type("b");
-  t.type("m");
-  t.type("v");
+  EXPECT_SHOWS(t, "Bestand");
+  t.type("b", "m", "v");
   EXPECT_EQ(t.row(24), "1: 121");
   EXPECT_FALSE(t.shows("Verder weg"));
   t.type(toets::Esc);
@@ -155,10 +149,10 @@ TEST(TrMenu, ALongBoxScrollsAndADeepOneStops) {
     }
     return m;
   });
-  EXPECT_TRUE(lang.shows("regel nummer 22 "));
+  EXPECT_SHOWS(lang, "regel nummer 22 ");
   EXPECT_FALSE(lang.shows("regel nummer 23 "));
   lang.type(toets::Up);
-  EXPECT_TRUE(lang.shows("regel nummer 40 "));
+  EXPECT_SHOWS(lang, "regel nummer 40 ");
   lang.type(toets::Enter);
   EXPECT_EQ(lang.text(24, 1, 6), "1: 40 ");
 

@@ -147,32 +147,27 @@ TEST(VeldGetal, AmountsAreHundredthsAndSmallVariablesKeepTheirWidth) {
 
 TEST(VeldLoop, EscapeRestoresEverywhereAndCancelOnlyAtTheFront) {
   Terminal esc = tekst("6c", "oud", 6);
-  esc.type("nieuw");
-  esc.type(toets::Esc);
+  esc.type("nieuw", toets::Esc);
   EXPECT_EQ(veld(esc, 6), "oud   ");
   EXPECT_UIT(esc, false, false, 27, "oud~~~");
 
   Terminal voor = tekst("6c", "oud", 6);
-  voor.type(string("x") + toets::Home);
-  voor.type(toets::Cancel);
+  voor.type(string("x") + toets::Home, toets::Cancel);
   EXPECT_UIT(voor, false, false, TOETS_CANCEL, "oud~~~");
 
   Terminal achter =
       tekst("6c", "oud", 6);  // behind a character: the text stays, first byte of the key
-  achter.type("x");
-  achter.type(toets::Cancel);
+  achter.type("x", toets::Cancel);
   EXPECT_UIT(achter, true, false, 27, "x~~~~~");
 
   Terminal getal_half = getal<int32_t>("5l,P", 44);
-  getal_half.type("99");
-  getal_half.type(toets::Cancel);
+  getal_half.type("99", toets::Cancel);
   EXPECT_UIT(getal_half, false, false, 27, "44");
 }
 
 TEST(VeldLoop, OtherExitKeysKeepTheTypedTextBehindTheFront) {
   Terminal t = tekst("6c", "oud", 6);
-  t.type("ab");
-  t.type(toets::F5);
+  t.type("ab", toets::F5);
   EXPECT_UIT(t, true, false, 269, "ab~~~~");
   Terminal voor = tekst("6c", "oud", 6);
   voor.type(string("ab") + toets::Home + toets::F5);
@@ -331,8 +326,7 @@ TEST(VeldDatum, DeleteAndBackspaceStepOverTheSeparators) {
   EXPECT_EQ(veld(t, 8), "15-03-26");
   t.type(string(toets::End) + toets::Back + toets::Back + toets::Back);
   EXPECT_EQ(veld(t, 8), "15-0_-__");
-  t.type("4");
-  t.type("27");
+  t.type("4", "27");
   EXPECT_EQ(veld(t, 8), "15-04-27");
   t.type(toets::Enter);
   EXPECT_UIT(t, true, false, 10, "15042027");
@@ -384,15 +378,10 @@ TEST(VeldDatum, RefusalsBringTheOldDateBack) {
 TEST(VeldHulp, TellsWhatTheFieldTakes) {
   Terminal t = getal<double>("6.2f,EP", 1.5, 0, 250);
   t.type(toets::F1);
-  EXPECT_TRUE(t.shows(" Ingave HELP-informatie "));
-  EXPECT_TRUE(t.shows("Er wordt ingave van een getal verwacht"));
-  EXPECT_TRUE(t.shows("U moet 6 posities vullen, waarvan 2 cijfers na de komma"));
-  EXPECT_TRUE(t.shows("Alle cijfers toegestaan"));
-  EXPECT_TRUE(t.shows("De volgende functietoetsen zijn toe te passen :"));
-  EXPECT_TRUE(t.shows("Cursor Up, CANCEL"));
-  EXPECT_TRUE(t.shows("F5"));
-  EXPECT_TRUE(t.shows("Bereik 0.01 t/m 250.00"));
-  EXPECT_TRUE(t.shows("<ENTER> voor vervolg _"));
+  EXPECT_SHOWS(t, " Ingave HELP-informatie ", "Er wordt ingave van een getal verwacht",
+               "U moet 6 posities vullen, waarvan 2 cijfers na de komma", "Alle cijfers toegestaan",
+               "De volgende functietoetsen zijn toe te passen :", "Cursor Up, CANCEL", "F5",
+               "Bereik 0.01 t/m 250.00", "<ENTER> voor vervolg _");
   t.type("x");
   EXPECT_EQ(t.row(25), "Ongeldige ingave");
   t.type(toets::Enter);
@@ -402,7 +391,7 @@ TEST(VeldHulp, TellsWhatTheFieldTakes) {
   EXPECT_UIT(t, false, false, 10, "1.5000");
   Terminal verzameling = tekst("1c[^.,]", "", 1);
   verzameling.type(toets::F1);
-  EXPECT_TRUE(verzameling.shows(". , niet toegestaan"));
+  EXPECT_SHOWS(verzameling, ". , niet toegestaan");
 }
 
 TEST(VeldHulp, ComposesACharacter) {
@@ -429,7 +418,7 @@ TEST(VeldFout, ABadFormatEndsTheProgram) {
       char v[300] = "te lang";
       INGAVE(3, 20, formaat.c_str(), &K_CANCEL, &v[0]);
     });
-    EXPECT_TRUE(t.shows("INGAVE(): r=3, c=20, cs=" + formaat + " --> " + rij.reden));
+    EXPECT_SHOWS(t, "INGAVE(): r=3, c=20, cs=" + formaat + " --> " + rij.reden);
     t.type(toets::Enter);
     EXPECT_EQ(t.exit_status(), 1);
   }
@@ -449,11 +438,9 @@ TEST(VeldStaat, WhatACallerSetsCountsOnceAndIsKeptOverAScreenInBetween) {
     INGAVE(6, 10, "4l,P", &v);
     uitslag(key_allowed('?'), str_format("%ld %ld", v, ander));
   });
-  t.type(string("900") + toets::Enter);
-  t.type(string("9") + toets::Enter);
+  t.type(string("900") + toets::Enter, string("9") + toets::Enter);
   EXPECT_EQ(t.row(25), "<9> Alleen 3 t/m 5 mogelijk");
-  t.type(string("4") + toets::Enter);
-  t.type("9?");
+  t.type(string("4") + toets::Enter, "9?");
   EXPECT_EQ(t.row(25), "<?> Ongeldige ingave!!  (HELP voor toelichting)");
   t.type(toets::Enter);
   EXPECT_UIT(t, false, false, 10, "9 900");

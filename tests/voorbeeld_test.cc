@@ -1,38 +1,12 @@
 // The preview as the operator has it: pages, head lines, scrolling, the menu, and what it leads to.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <thread>
-
-#include "isam/base.h"
 #include "prt/bladen.h"
-#include "prt/intern.h"
 #include "scr/scr.h"
+#include "tests/support/print_proef.h"
 #include "tests/support/terminal.h"
-#include "tests/support/tijdelijk.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string lees(const std::string& pad) {
-  std::ifstream in(pad, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-bool wacht_op(const std::string& pad, const std::string& inhoud) {
-  for (int i = 0; i < 1000 && lees(pad) != inhoud; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return lees(pad) == inhoud;
-}
 
 /// A report of pages with so many lines each, then the preview; the last key is told in "klaar".
 struct Rapport {
@@ -79,13 +53,7 @@ struct Kijk {
   }
   std::string klaar() {
     EXPECT_TRUE(t.wait_for("Terug in het programma")) << t.screen();
-    return lees(map / "klaar");
-  }
-  bool spool_weg() {
-    for (const auto& e : fs::directory_iterator(map.pad)) {
-      if (e.path().filename().string().starts_with("PR")) return false;
-    }
-    return true;
+    return bytes_van(map / "klaar");
   }
 };
 
@@ -102,30 +70,27 @@ TEST(Bladen, AWalkOverLinesAndPages) {
   PrtBladen b;
   ASSERT_TRUE(bladen_open(b, pad.c_str(), 5, static_cast<long>(tekst.size()) - 4, 10, 4));
   std::string regel;
+  const auto eerste = [&] {
+    std::fseek(b.bestand, b.blad_plek, SEEK_SET);
+    return bladen_regel(b, regel) ? regel : "(none)";
+  };
   std::vector<std::string> regels;
   while (bladen_regel(b, regel)) regels.push_back(regel);
   EXPECT_EQ(regels, (std::vector<std::string>{"een", ".[1m", ""}));
   EXPECT_FALSE(bladen_op(b));
   EXPECT_FALSE(bladen_terug(b));
   ASSERT_TRUE(bladen_verder(b));
-  std::fseek(b.bestand, b.blad_plek, SEEK_SET);
-  EXPECT_TRUE(bladen_regel(b, regel));
-  EXPECT_EQ(regel, std::string(10, 'x'));
+  EXPECT_EQ(eerste(), std::string(10, 'x'));
   EXPECT_TRUE(bladen_meer(b));
   bladen_naar(b, 4);
   EXPECT_EQ(b.blad, 4);
   EXPECT_FALSE(bladen_verder(b));
-  std::fseek(b.bestand, b.blad_plek, SEEK_SET);
-  EXPECT_TRUE(bladen_regel(b, regel));
-  EXPECT_EQ(regel, "vier");
+  EXPECT_EQ(eerste(), "vier");
   EXPECT_TRUE(bladen_op(b));
   ASSERT_TRUE(bladen_terug(b));
-  std::fseek(b.bestand, b.blad_plek, SEEK_SET);
-  EXPECT_FALSE(bladen_regel(b, regel));  // page 3 is empty
+  EXPECT_EQ(eerste(), "(none)");  // page 3 is empty
   ASSERT_TRUE(bladen_terug(b));
-  std::fseek(b.bestand, b.blad_plek, SEEK_SET);
-  EXPECT_TRUE(bladen_regel(b, regel));
-  EXPECT_EQ(regel, std::string(10, 'x'));
+  EXPECT_EQ(eerste(), std::string(10, 'x'));
   bladen_naar(b, -3);
   EXPECT_EQ(b.blad_plek, 5);
   bladen_sluit(b);
@@ -166,7 +131,7 @@ TEST(Voorbeeld, PagesByKeyAndByNumber) {
   EXPECT_TRUE(k.t.reverse(25, 1));
   EXPECT_FALSE(k.t.reverse(25, 17));
   k.t.type(toets::F6);
-  EXPECT_TRUE(k.t.shows("GA NAAR BLAD")) << k.t.screen();
+  EXPECT_SHOWS(k.t, "GA NAAR BLAD");
   k.t.type("2\r");
   EXPECT_EQ(k.t.row(1), "Kop van blad 2");
   k.t.type(toets::Home);
@@ -180,7 +145,7 @@ TEST(Voorbeeld, PagesByKeyAndByNumber) {
 TEST(Voorbeeld, HeadLinesAreTheOperators) {
   Kijk k;
   k.t.type("k");
-  EXPECT_TRUE(k.t.shows("Kopregels"));
+  EXPECT_SHOWS(k.t, "Kopregels");
   k.t.type("3\r");
   EXPECT_TRUE(k.t.reverse(3, 1));
   EXPECT_FALSE(k.t.reverse(4, 1));
@@ -188,7 +153,7 @@ TEST(Voorbeeld, HeadLinesAreTheOperators) {
   EXPECT_EQ(k.t.row(3), "blad 1 regel 03 \u00e9");
   EXPECT_EQ(k.t.row(4), "blad 1 regel 25 \u00e9");
   k.t.type("z");  // no key of the menu: it shows itself
-  EXPECT_TRUE(k.t.shows("Kopregels (3)")) << k.t.screen();
+  EXPECT_SHOWS(k.t, "Kopregels (3)");
 }
 
 TEST(Voorbeeld, AWideReportScrollsOnANarrowTerminal) {
@@ -199,10 +164,8 @@ TEST(Voorbeeld, AWideReportScrollsOnANarrowTerminal) {
   k.t.type(toets::Left);
   EXPECT_EQ(k.t.row(2), "blad 1 regel 02 \u00e9");
   k.t.type("i");
-  EXPECT_TRUE(k.t.shows("INGAVE SCROLL LENGTE")) << k.t.screen();
-  EXPECT_TRUE(k.t.shows("Aantal posities"));
-  k.t.type("5\r");
-  k.t.type("r");
+  EXPECT_SHOWS(k.t, "INGAVE SCROLL LENGTE", "Aantal posities");
+  k.t.type("5\r", "r");
   EXPECT_EQ(k.t.row(2), "1 regel 02 \u00e9");
 }
 
@@ -219,12 +182,11 @@ TEST(Voorbeeld, AWideReportOnAWideTerminalStandsThereWhole) {
 TEST(Voorbeeld, PrintGoesOnWithTheCopies) {
   Kijk k({80, 1, 2, "uit.lst"});
   k.t.type("A");
-  EXPECT_TRUE(k.t.shows("Aantal Afdrukken")) << k.t.screen();
-  k.t.type("2\r");
-  k.t.type("p");
+  EXPECT_SHOWS(k.t, "Aantal Afdrukken");
+  k.t.type("2\r", "p");
   EXPECT_EQ(k.klaar(), "0");
   const std::string blad = "Kop van blad 1\nblad 1 regel 02 \x82\n\f";
-  EXPECT_TRUE(wacht_op(k.map / "uit.lst", blad + blad));
+  EXPECT_TRUE(wacht_tot([&] { return bytes_van(k.map / "uit.lst") == blad + blad; }));
 }
 
 TEST(Voorbeeld, LeavingPrintsNothingAndLeavesNothing) {
@@ -234,7 +196,7 @@ TEST(Voorbeeld, LeavingPrintsNothingAndLeavesNothing) {
     k.t.type(weg);
     EXPECT_EQ(k.klaar(), "355");
     EXPECT_EQ(k.t.row(10), "    Het scherm van het programma") << k.t.screen();
-    EXPECT_TRUE(k.spool_weg());
+    EXPECT_EQ(prt_spools(k.map.pad), 0);
     EXPECT_FALSE(fs::exists(k.map / "uit.lst"));
   }
 }
@@ -264,7 +226,7 @@ TEST(Voorbeeld, WhatLeadsNowhereIsDisabled) {
                                                      └────────────────────────┘
 )");
   k.t.type("p");
-  EXPECT_TRUE(k.t.shows("PrintMenu"));
+  EXPECT_SHOWS(k.t, "PrintMenu");
   k.t.type("n");
   EXPECT_EQ(k.klaar(), "355");
 }

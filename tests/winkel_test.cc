@@ -19,6 +19,7 @@
 #include "sub/ioeti_intern.h"
 #include "sub/tabeldef.h"
 #include "tests/support/agent.h"
+#include "tests/support/bestand.h"
 #include "tests/support/terminal.h"
 #include "tests/support/tijdelijk.h"
 #include "tools/keten.h"
@@ -48,21 +49,16 @@ int regels(const std::string& tekst) {
   return static_cast<int>(std::count(tekst.begin(), tekst.end(), '\n'));
 }
 
-std::string bytes(const std::string& pad) {
-  std::ifstream f(pad, std::ios::binary);
-  return {std::istreambuf_iterator<char>(f), {}};
-}
-
 std::map<std::string, std::string> inhoud(const std::string& map) {
   std::map<std::string, std::string> alles;
   for (const auto& e : fs::directory_iterator(map))
-    alles[e.path().filename().string()] = bytes(e.path().string());
+    alles[e.path().filename().string()] = bytes_van(e.path().string());
   return alles;
 }
 
 template <class R>
 std::vector<R> rijen(const std::string& pad) {
-  const std::string b = bytes(pad);
+  const std::string b = bytes_van(pad);
   std::vector<R> lijst(b.size() / sizeof(R));
   if (!lijst.empty()) std::memcpy(lijst.data(), b.data(), lijst.size() * sizeof(R));
   return lijst;
@@ -70,7 +66,7 @@ std::vector<R> rijen(const std::string& pad) {
 
 TerminalRec terminal(const std::string& map, int n) {
   TerminalRec rec;
-  const std::string b = bytes(map + "/DTSYS.TXT");
+  const std::string b = bytes_van(map + "/DTSYS.TXT");
   std::memcpy(&rec, b.data() + SYS_TERMINALS.basis + (n - 1) * 64, sizeof rec);
   return rec;
 }
@@ -107,7 +103,7 @@ TEST(WinkelInit, MakesAnEmptyChain) {
   ASSERT_EQ(stat((pad + "/DTSER.TXT").c_str(), &bestand), 0);
   EXPECT_EQ(bestand.st_mode & 0777, 0660u);
   EXPECT_EQ(fs::file_size(pad + "/DTFILGEG.TXT"), 6u * 612);
-  const std::string dtsys = bytes(pad + "/DTSYS.TXT");
+  const std::string dtsys = bytes_van(pad + "/DTSYS.TXT");
   ASSERT_EQ(dtsys.size(), 72660u);
   EXPECT_EQ(dtsys.substr(0, 9), std::string("Caf\x82 \x90\x82n", 8) + '\0');
   EXPECT_EQ(dtsys[34], 1);
@@ -209,7 +205,7 @@ TEST(WinkelDemo, TheTablesAgree) {
     }
   }
   SysRec4 vier;
-  const std::string dtsys = bytes(demo() + "/DTSYS.TXT");
+  const std::string dtsys = bytes_van(demo() + "/DTSYS.TXT");
   std::memcpy(&vier, dtsys.data() + 3 * 64, sizeof vier);
   EXPECT_EQ(vier.hoogste, static_cast<int32_t>(blokken.size()));
   int32_t blok = vier.vrij_hoofd, vrij = 0;
@@ -266,7 +262,7 @@ TEST(WinkelSaldo, EqualsTheSumOverTheLines) {
   }
   const std::string naar = k.map / "lijst";
   ASSERT_EQ(winkel("saldo -C " + k.pad + " -o " + naar).status, 0);
-  EXPECT_EQ(regels(bytes(naar)), regels(u.tekst));
+  EXPECT_EQ(regels(bytes_van(naar)), regels(u.tekst));
   EXPECT_EQ(inhoud(k.pad), inhoud(demo())) << "nothing of the run is left";
 }
 
@@ -330,8 +326,8 @@ TEST(WinkelGebruiker, AddsListsAndResets) {
     zet_byte(k.pad, 9 * 64 + 8, '@');
     ASSERT_EQ(winkel("gebruiker reset 4 -C " + k.pad).status, 0);
     EXPECT_EQ(terminal(k.pad, 4).status, 0);
-    EXPECT_EQ(bytes(k.pad + "/DTSYS.TXT").substr(9 * 64 + 63, 1), std::string(1, '\0'));
-    EXPECT_EQ(bytes(k.pad + "/DTSYS.TXT")[9 * 64 + 8], '\0');
+    EXPECT_EQ(bytes_van(k.pad + "/DTSYS.TXT").substr(9 * 64 + 63, 1), std::string(1, '\0'));
+    EXPECT_EQ(bytes_van(k.pad + "/DTSYS.TXT")[9 * 64 + 8], '\0');
   }
 }
 
@@ -394,12 +390,11 @@ TEST(WinkelTerminal, LogsInWithoutAQuestion) {
   Kopie k;
   Terminal t = start({BUILD_DIR "/tools/winkel", "terminal", "-C", k.pad, "--gebruiker", "DEMO"},
                      {.env = {"BIN=" BUILD_DIR}});
-  EXPECT_TRUE(t.shows("Voorraadbeheer")) << t.screen();
-  EXPECT_TRUE(t.shows("Van Aerden Mode"));
+  EXPECT_SHOWS(t, "Voorraadbeheer", "Van Aerden Mode");
   t.type("1");
-  EXPECT_TRUE(t.shows("Selectie en afdrukken")) << t.screen();
+  EXPECT_SHOWS(t, "Selectie en afdrukken");
   t.type(toets::Esc);
-  EXPECT_TRUE(t.shows("Hoofdmenu")) << t.screen();
+  EXPECT_SHOWS(t, "Hoofdmenu");
   const TerminalRec rec = terminal(k.pad, 1);
   EXPECT_EQ(rec.status, 1);
   EXPECT_EQ(veld_tekst(rec.programma, 10), "hoofdmnu");
@@ -420,7 +415,7 @@ TEST(WinkelTerminal, AFrameForASmallWindow) {
       BUILD_DIR "/tools/winkel", "terminal", "-C", k.pad, "--gebruiker", "DEMO"};
   Terminal zonder = start(opdracht, {.env = env, .rows = 24});
   zonder.type("N\r");
-  EXPECT_TRUE(zonder.shows("Voorraadbeheer")) << zonder.screen();
+  EXPECT_SHOWS(zonder, "Voorraadbeheer");
   zonder.type(toets::Esc);
   EXPECT_EQ(zonder.exit_status(), 0);
   if (std::system("command -v tmux >/dev/null") != 0) GTEST_SKIP() << "no tmux";
@@ -441,7 +436,7 @@ TEST(WinkelTerminal, AFrameForASmallWindow) {
     return klaar();
   };
   ASSERT_TRUE(tot([&] { return fs::exists(k.pad + "/pid"); }));
-  const pid_t pid = std::stoi(bytes(k.pad + "/pid"));
+  const pid_t pid = std::stoi(bytes_van(k.pad + "/pid"));
   EXPECT_EQ(kill(pid, 0), 0);
   weg.hang_up();
   EXPECT_TRUE(tot([pid] { return kill(pid, 0) != 0; }));

@@ -14,7 +14,6 @@
 namespace {
 
 using namespace toets;
-std::string in(const char* tekst) { return std::string(tekst) + Enter; }
 
 void sys(const SysTabel& tabel, int32_t nummer, const std::string& bytes) {
   std::string rec = bytes;
@@ -121,8 +120,7 @@ TEST_F(ZoekMerk, ANumberOrTheOnlySearchNameIsTaken) {
 
 TEST_F(ZoekMerk, EmptyIsNoBrandAndCancelChangesNothing) {
   Terminal t = veld(2);
-  t.type(std::string(Back) + Enter);
-  t.type(Esc);
+  t.type(std::string(Back) + Enter, Esc);
   EXPECT_TRUE(t.row(22).starts_with("n0 nr0 anders/n2 nr0 weg/ 5 7")) << t.row(22);
   Terminal u = veld(1, 7, "I");
   EXPECT_EQ(u.text(3, 10, 4), "____");
@@ -130,29 +128,25 @@ TEST_F(ZoekMerk, EmptyIsNoBrandAndCancelChangesNothing) {
   EXPECT_TRUE(u.row(22).starts_with("n2 nr7 weg/ 5 7")) << u.row(22);
   Terminal v = veld(1, 0, "E");
   v.type(Enter);
-  EXPECT_TRUE(v.shows("Ingave verplicht"));
+  EXPECT_SHOWS(v, "Ingave verplicht");
 }
 
 TEST_F(ZoekMerk, SeveralNamesOrAnUnknownNumberOpenTheListAtTheNearest) {
   Terminal t = veld(2);
   t.type(in("du"));
-  EXPECT_TRUE(t.shows(" selecteren merk(en) "));
+  EXPECT_SHOWS(t, " selecteren merk(en) ");
   EXPECT_EQ(t.text(4, 46, 30), " mkzn merknr merknaam         ") << t.screen();
   EXPECT_EQ(t.text(5, 46, 30), " DUIM  123   Aardappel        ");
   EXPECT_TRUE(t.reverse(5, 47));
-  EXPECT_TRUE(t.shows("Zoeknaam ____"));
-  EXPECT_TRUE(t.shows("→ 2│"));
+  EXPECT_SHOWS(t, "Zoeknaam ____", "→ 2│");
   t.type(Esc);
   EXPECT_EQ(t.cursor_row(), 3);  // the field again, as it was
   t.type(in("zz"));              // behind all search names: the last
   EXPECT_TRUE(t.reverse(5, 47));
   EXPECT_EQ(t.text(5, 47, 10), "ZILT    7 ");
-  t.type(Esc);
-  t.type(in("123"));
-  t.type(in("9"));
+  t.type(Esc, in("123"), in("9"));
   EXPECT_EQ(t.text(5, 46, 10), "→DUIM  123");
-  t.type(Esc);
-  t.type(Esc);
+  t.type(Esc, Esc);
   EXPECT_TRUE(t.row(22).starts_with("n1 nr123 anders/n1 nr123 weg/ 123")) << t.row(22);
 }
 
@@ -163,45 +157,37 @@ TEST_F(ZoekMerk, TheListStartsWithTheChoiceMarkedAndTakesMarksEnterAndAll) {
   EXPECT_EQ(t.text(6, 46, 6), " KAAP ");
   EXPECT_EQ(t.text(7, 46, 10), "→ZILT    7");
   t.type(Enter);  // with marks Enter does nothing
-  EXPECT_TRUE(t.shows("Zoeknaam ____"));
+  EXPECT_SHOWS(t, "Zoeknaam ____");
   t.type(F7);  // 5 off, down to 40
   t.type(F7);  // 40 on
   t.type(F3);
   EXPECT_EQ(t.text(3, 10, 4), "7___");
-  t.type(F5);
-  t.type(F10);
-  t.type(Enter);
-  t.type(F5);
-  t.type(F10);
-  t.type(F6);
-  EXPECT_TRUE(t.shows(" *-0")) << t.screen();
+  t.type(F5, F10, Enter, F5, F10, F6);
+  EXPECT_SHOWS(t, " *-0");
   t.type(F3);
   EXPECT_EQ(t.row(22), "n2 nr7 anders/n1 nr7 /n0 nr0 anders/");
 }
 
 TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
   Terminal t = veld(2);
-  t.type(F5);
-  t.type(F10);
+  t.type(F5, F10);
   t.type(F7);  // 5
   t.type(F6);
   t.type(Tab);  // by name: the record under the cursor, 40, on top
   EXPECT_EQ(t.text(4, 46, 33), " merknaam             mkzn merknr");
   EXPECT_EQ(t.text(5, 47, 31), "Kaap Veertig         KAAP   40 ");
-  EXPECT_TRUE(t.shows("Naam __________"));
+  EXPECT_SHOWS(t, "Naam __________");
   t.type(Tab);
   EXPECT_EQ(t.text(4, 46, 33), " merknr merknaam             mkzn");
   EXPECT_EQ(t.text(5, 47, 32), "  40   Kaap Veertig         KAAP");
   EXPECT_EQ(t.text(6, 47, 32), " 123   Aardappel            DUIM");
-  EXPECT_TRUE(t.shows("Nummer ____"));
+  EXPECT_SHOWS(t, "Nummer ____");
   t.type(std::string("7") + Tab);  // a text before the key: searched, and then the next order
   EXPECT_EQ(t.text(4, 46, 6), " mkzn ");
   EXPECT_EQ(t.text(5, 47, 9), "ZILT    7");
-  t.type(F3);
-  t.type(F5);
+  t.type(F3, F5);
   EXPECT_EQ(t.text(4, 46, 6), " mkzn ");
-  t.type(Esc);
-  t.type(Esc);
+  t.type(Esc, Esc);
   EXPECT_TRUE(t.row(22).starts_with("n3 nr7 anders/n3 nr7 weg/ 7 40 123")) << t.row(22);
 }
 
@@ -221,16 +207,15 @@ TEST_F(ZoekMerk, ABrandThatHasGoneIsNotMarked) {
     return str_format("n%d nr%d", n, nr);
   });
   t.type(F5);
-  EXPECT_TRUE(t.shows("→ 1│")) << t.screen();
+  EXPECT_SHOWS(t, "→ 1│");
   t.type(F3);
   EXPECT_EQ(t.row(22), "n1 nr5");
 }
 
 TEST_F(ZoekMerk, OnePickAndAnEmptyFile) {
   Terminal t = start([] { return str_format("keus %d", ing_merk_pick()); });
-  EXPECT_TRUE(t.shows(" selecteren merk "));
-  t.type(in("KA"));
-  t.type(F3);
+  EXPECT_SHOWS(t, " selecteren merk ");
+  t.type(in("KA"), F3);
   EXPECT_EQ(t.row(22), "keus 40");
   k.open();
   IXINIT(dtmerk);
@@ -260,18 +245,13 @@ TEST_F(Zoek, ColoursAreSlots) {
     return str_format("%d %d %d", anders, nr, kleur_pick(500));
   });
   t.type(F5);
-  EXPECT_TRUE(t.shows(" selecteren kleur "));
-  EXPECT_TRUE(t.shows(" klr  kleur"));
-  EXPECT_TRUE(t.shows(" 100 zwart"));
+  EXPECT_SHOWS(t, " selecteren kleur ", " klr  kleur", " 100 zwart");
   EXPECT_FALSE(t.shows("  10 wit"));  // the page starts at the first colour from 11 on
   t.type(Up);
-  EXPECT_TRUE(t.shows("  10 wit"));
-  EXPECT_TRUE(t.shows("Kleurnummer ___"));
+  EXPECT_SHOWS(t, "  10 wit", "Kleurnummer ___");
   t.type(Esc);
   EXPECT_EQ(t.cursor_row(), 3);
-  t.type(F5);
-  t.type(in("2"));
-  t.type(F3);
+  t.type(F5, in("2"), F3);
   t.type(in("700"));  // behind all: the last
   t.type(Enter);
   EXPECT_EQ(t.row(22), "1 10 100");
@@ -285,17 +265,15 @@ TEST_F(Zoek, ArticleGroupsInThreeOrdersThatAreRemembered) {
     return str_format("%d %d %d", anders, nr, artikel_pick(10100));
   });
   t.type(F5);
-  EXPECT_TRUE(t.shows(" selecteren artikelgroep "));
-  EXPECT_TRUE(t.shows(" artg  omschrijving          omzg"));
-  EXPECT_TRUE(t.shows("artikelgroep _____"));
+  EXPECT_SHOWS(t, " selecteren artikelgroep ", " artg  omschrijving          omzg",
+               "artikelgroep _____");
   EXPECT_EQ(t.text(5, 47, 12), "20200 Jassen") << t.screen();
   t.type(Tab);
-  EXPECT_TRUE(t.shows("omschrijving ____________________"));
+  EXPECT_SHOWS(t, "omschrijving ____________________");
   EXPECT_TRUE(t.text(6, 47, 12) == "10100 Rokken");
   t.type(Tab);
-  EXPECT_TRUE(t.shows("Omzetgroep _____"));
-  t.type(in("15"));
-  t.type(F3);
+  EXPECT_SHOWS(t, "Omzetgroep _____");
+  t.type(in("15"), F3);
   EXPECT_TRUE(t.shows("Omzetgroep _____"));  // the second list in the order of the first
   EXPECT_TRUE(t.text(5, 47, 12) == "10100 Rokken");
   t.type(F3);
@@ -327,19 +305,14 @@ struct ZoekDoelgroep : Zoek {
 TEST_F(ZoekDoelgroep, TheFieldNamesAWrongLetterAndTheListMovesUnderItsChoiceLine) {
   Terminal t = veld();
   t.type(Enter);
-  EXPECT_TRUE(t.shows("<X> Ongeldige doelgroep"));
+  EXPECT_SHOWS(t, "<X> Ongeldige doelgroep");
   t.type(F5);
-  EXPECT_TRUE(t.shows(" dgr    omschrijving")) << t.screen();
-  EXPECT_TRUE(t.shows("   D    Dames"));
-  EXPECT_TRUE(t.shows("Uw keuze _ S, W, V"));
-  t.type(Down);
-  t.type(Down);
-  t.type(Down);
-  t.type(Up);
+  EXPECT_SHOWS(t, " dgr    omschrijving", "   D    Dames", "Uw keuze _ S, W, V");
+  t.type(Down, Down, Down, Up);
   const int rij = t.row(6).find("   H    Heren") != std::string::npos ? 6 : 0;
   EXPECT_TRUE(rij != 0 && t.reverse(rij, 60)) << t.screen();
   t.type(Enter);  // an empty choice is asked again
-  EXPECT_TRUE(t.shows("Uw keuze _ S, W, V"));
+  EXPECT_SHOWS(t, "Uw keuze _ S, W, V");
   t.type("s");
   EXPECT_EQ(t.row(22), "1 <H> Heren");
   EXPECT_EQ(t.text(3, 10, 1), "H");
@@ -347,36 +320,24 @@ TEST_F(ZoekDoelgroep, TheFieldNamesAWrongLetterAndTheListMovesUnderItsChoiceLine
 
 TEST_F(ZoekDoelgroep, AGroupIsChangedAndDeletedFromTheList) {
   Terminal t = veld();
-  t.type(F5);
-  t.type(Down);
-  t.type("w");
-  EXPECT_TRUE(t.shows(" WIJZIGEN DOELGROEP "));
-  EXPECT_TRUE(t.shows(" Omschrijving doelgroep Heren_______"));
-  t.type(Esc);
-  t.type("w");
-  t.type(in("Mannen"));
-  EXPECT_TRUE(t.shows("   H    Mannen")) << t.screen();
+  t.type(F5, Down, "w");
+  EXPECT_SHOWS(t, " WIJZIGEN DOELGROEP ", " Omschrijving doelgroep Heren_______");
+  t.type(Esc, "w", in("Mannen"));
+  EXPECT_SHOWS(t, "   H    Mannen");
   t.type("v");
-  EXPECT_TRUE(t.shows("Deze doelgroep wordt verwijderd. Akkoord? (J/N) N"));
+  EXPECT_SHOWS(t, "Deze doelgroep wordt verwijderd. Akkoord? (J/N) N");
   t.type(Enter);
-  EXPECT_TRUE(t.shows("   H    Mannen"));
-  t.type("v");
-  t.type("J");
-  t.type(Enter);
+  EXPECT_SHOWS(t, "   H    Mannen");
+  t.type("v", "J", Enter);
   EXPECT_FALSE(t.shows("Mannen")) << t.screen();
-  EXPECT_TRUE(t.shows("   M    Meisjes"));
-  t.type("v");
-  t.type("J");
-  t.type(Enter);
+  EXPECT_SHOWS(t, "   M    Meisjes");
+  t.type("v", "J", Enter);
   EXPECT_TRUE(t.shows("   D    Dames")) << t.screen();  // behind the last: the one before it
-  t.type("v");
-  t.type("J");
-  t.type(Enter);
+  t.type("v", "J", Enter);
   EXPECT_EQ(t.cursor_row(), 3) << t.screen();  // emptied: the list ends, the field comes back
   t.type(F5);
-  EXPECT_TRUE(t.shows("Geen doelgroepen gedefinieerd"));
-  t.type(Enter);
-  t.type(Esc);
+  EXPECT_SHOWS(t, "Geen doelgroepen gedefinieerd");
+  t.type(Enter, Esc);
   EXPECT_EQ(t.row(22), "0 <X>");
 }
 
@@ -388,11 +349,10 @@ TEST_F(Zoek, ActionsShowTheirPeriod) {
     return str_format("%d %d", anders, nr);
   });
   t.type(in("13"));
-  EXPECT_TRUE(t.shows("<13> Onbekend actienummer"));
+  EXPECT_SHOWS(t, "<13> Onbekend actienummer");
   t.type(F5);
-  EXPECT_TRUE(t.shows(" an  periode va-tm ac  actie")) << t.screen();
-  EXPECT_TRUE(t.shows("12  010125-310125  3  Opruiming"));
-  EXPECT_TRUE(t.shows("Actienummer __"));
+  EXPECT_SHOWS(t, " an  periode va-tm ac  actie", "12  010125-310125  3  Opruiming",
+               "Actienummer __");
   t.type(Enter);
   EXPECT_EQ(t.row(22), "1 12");
 }
@@ -407,29 +367,23 @@ TEST_F(Zoek, CodesAreTakenByOneKeyAndKeptUp) {
     return str_format("%d %d %d %s|%s", anders, code, keus, vijf, code_tekst(4, 3));
   });
   t.type(Enter);
-  EXPECT_TRUE(t.shows("<9> Ongeldige ingave"));
+  EXPECT_SHOWS(t, "<9> Ongeldige ingave");
   t.type(F5);
   EXPECT_TRUE(t.row(3).find(" Raadplegen deelseizoen ") != std::string::npos);
   EXPECT_EQ(t.text(4, 50, 16), "nr omschrijving ");
   EXPECT_EQ(t.text(5, 50, 10), "0 begin   ");
   EXPECT_EQ(t.text(8, 50, 10), "3 zomer   ");
   t.type("5");
-  EXPECT_TRUE(t.shows("<5> Ongeldige ingave"));
-  t.type(Esc);
-  t.type(F5);
-  t.type("0");
-  EXPECT_TRUE(t.shows("Uw keuze _ S, W, V")) << t.screen();
-  t.type("w");
-  t.type("5");
-  EXPECT_TRUE(t.shows(" WIJZIGEN deelseizoen "));
+  EXPECT_SHOWS(t, "<5> Ongeldige ingave");
+  t.type(Esc, F5, "0");
+  EXPECT_SHOWS(t, "Uw keuze _ S, W, V");
+  t.type("w", "5");
+  EXPECT_SHOWS(t, " WIJZIGEN deelseizoen ");
   t.type(in("herfst"));
   EXPECT_EQ(t.text(10, 50, 10), "5 herfst  ");
-  t.type("v");
-  t.type("3");
-  t.type(in("J"));
+  t.type("v", "3", in("J"));
   EXPECT_EQ(t.text(8, 50, 10), "          ");
-  t.type("s");
-  t.type("5");
+  t.type("s", "5");
   EXPECT_EQ(t.row(22), "1 0 5 herfst|");
 }
 
@@ -452,22 +406,17 @@ TEST_F(Zoek, YearsExpandAreLimitedAndComeWithTheirSeason) {
   }
   Terminal t = start(jaar(0, 0));
   t.type(in("1979"));
-  EXPECT_TRUE(t.shows("<1979> Ongeldig jaartal"));
+  EXPECT_SHOWS(t, "<1979> Ongeldig jaartal");
   t.type(in("2080"));
-  EXPECT_TRUE(t.shows("<2080> Alleen 1980 t/m 2079 mogelijk"));
+  EXPECT_SHOWS(t, "<2080> Alleen 1980 t/m 2079 mogelijk");
   t.type(F5);
-  EXPECT_TRUE(t.shows(" seizoen omschrijving"));
-  EXPECT_TRUE(t.shows(" 2026W   Winter"));
-  EXPECT_TRUE(t.shows(" 2025Z   Zomer"));
-  t.type(in("2025"));
-  t.type(F3);
+  EXPECT_SHOWS(t, " seizoen omschrijving", " 2026W   Winter", " 2025Z   Zomer");
+  t.type(in("2025"), F3);
   EXPECT_EQ(t.row(22), "2025 Z");
 
   Terminal u = start(jaar(2026, 2026));  // a season that is refused leaves nothing behind
-  u.type(F5);
-  u.type(Down);
-  u.type(F3);
-  EXPECT_TRUE(u.shows("<2025> Alleen 2026 t/m 2026 mogelijk"));
+  u.type(F5, Down, F3);
+  EXPECT_SHOWS(u, "<2025> Alleen 2026 t/m 2026 mogelijk");
   u.type(in("26"));
   EXPECT_EQ(u.row(22), "2026 -");
 
@@ -477,7 +426,7 @@ TEST_F(Zoek, YearsExpandAreLimitedAndComeWithTheirSeason) {
     return str_format("%d %c", anders, s);
   });
   v.type("q");
-  EXPECT_TRUE(v.shows("<Q> Ongeldige ingave"));
+  EXPECT_SHOWS(v, "<Q> Ongeldige ingave");
   v.type(in("z"));
   EXPECT_EQ(v.row(22), "1 Z");
 }
@@ -501,25 +450,19 @@ TEST_F(Zoek, TheModelListHoldsTheModelsOfOneBrandOnce) {
     };
   };
   Terminal t = start(kies(7));
-  EXPECT_TRUE(t.shows(" selecteren model "));
-  EXPECT_TRUE(t.shows("Merk: 7 Zilt"));
+  EXPECT_SHOWS(t, " selecteren model ", "Merk: 7 Zilt");
   EXPECT_EQ(t.text(5, 47, 8), "BERLIJN ") << t.screen();
   EXPECT_EQ(t.text(6, 47, 8), "PARIJS  ");
   EXPECT_EQ(t.text(7, 47, 8), "WENEN   ");
   EXPECT_EQ(t.text(8, 47, 8), "        ");
-  EXPECT_TRUE(t.shows("Model _______________"));
-  t.type(Down);
-  t.type(Down);
-  t.type(Down);
-  t.type(Up);
+  EXPECT_SHOWS(t, "Model _______________");
+  t.type(Down, Down, Down, Up);
   EXPECT_TRUE(t.reverse(6, 47));
-  t.type(in("p"));
-  t.type(Enter);
+  t.type(in("p"), Enter);
   EXPECT_EQ(t.row(22), "1 <PARIJS> 0");
 
   Terminal u = start(kies(123));
-  EXPECT_TRUE(u.shows("selecteren model"));
-  EXPECT_TRUE(u.shows("Geen informatie"));
+  EXPECT_SHOWS(u, "selecteren model", "Geen informatie");
   u.type(Enter);
   EXPECT_EQ(u.row(22), "0 <> 0");
 }
@@ -555,27 +498,26 @@ TEST_F(Zoek, SizesGoByTextAndByTheirBar) {
   };
   Terminal t = start(veld("U", 2));
   t.type(in("x"));
-  EXPECT_TRUE(t.shows("<  X> Onbekende/foutieve maat")) << t.screen();
+  EXPECT_SHOWS(t, "<  X> Onbekende/foutieve maat");
   t.type(in("l"));  // a text typed at the left is meant at the right
   EXPECT_EQ(t.row(22), "1 3");
 
   Terminal u = start(veld("J", 2));
   u.type(F5);
-  EXPECT_TRUE(u.shows(" maat  omschr")) << u.screen();
+  EXPECT_SHOWS(u, " maat  omschr");
   EXPECT_TRUE(u.row(5).find("   S  ") != std::string::npos);
   EXPECT_TRUE(u.row(6).find("   L  ") != std::string::npos);
   EXPECT_TRUE(u.row(7).find("   M  Medium") != std::string::npos);
-  u.type(in("M"));
-  u.type(Enter);
+  u.type(in("M"), Enter);
   EXPECT_EQ(u.text(3, 10, 3), "  M");
   EXPECT_EQ(u.row(22), "1 2");
 
   Terminal v = start(veld("", 44));
-  EXPECT_TRUE(v.shows("<44> Onbekende maatsoort"));
+  EXPECT_SHOWS(v, "<44> Onbekende maatsoort");
   Terminal w = start([] { return str_format("%d", maatsoort_pick(0)); });
-  EXPECT_TRUE(w.shows("<0> Onbekend maatstelsel"));
+  EXPECT_SHOWS(w, "<0> Onbekend maatstelsel");
   Terminal x = start([] { return str_format("%d", maatsoort_pick(1)); });
-  EXPECT_TRUE(x.shows("  2    S   M   L")) << x.screen();
+  EXPECT_SHOWS(x, "  2    S   M   L");
   x.type(Enter);
   EXPECT_EQ(x.row(22), "2");
 }

@@ -101,19 +101,14 @@ inline std::map<int32_t, BepRec> bep_inhoud(const std::string& naam, std::string
   return uit;
 }
 
-inline void bep_schrijf(const std::string& pad, const std::string& bytes) {
-  std::ofstream(pad, std::ios::binary | std::ios::trunc)
-      .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
 /// A table's two files, to put back as they were.
 struct BepKopie {
   std::string naam, index, data;
   explicit BepKopie(const std::string& n)
       : naam(n), index(bytes_van(n + ".INX")), data(bytes_van(n + ".TXT")) {}
   void terug() const {
-    bep_schrijf(naam + ".INX", index);
-    bep_schrijf(naam + ".TXT", data);
+    zet_bytes(naam + ".INX", index);
+    zet_bytes(naam + ".TXT", data);
   }
 };
 

@@ -3,12 +3,11 @@
 #pragma once
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "isam/ix.h"
+#include "tests/support/bestand.h"
 #include "tests/support/tijdelijk.h"
 
 struct ProefRec {
@@ -36,11 +35,6 @@ inline ICB* proef_tabel(const char* naam, int mode, int sleutels = 3) {
   if (sleutels > 2) IXUPDFCB(icb, 3, "naam,C,5,14");
   IXINITIX(icb);
   return icb;
-}
-
-inline std::string bytes_van(const std::string& pad) {
-  std::ifstream f(pad, std::ios::binary);
-  return {std::istreambuf_iterator<char>(f), {}};
 }
 
 class Inspecteur {

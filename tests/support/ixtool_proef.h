@@ -30,10 +30,6 @@ inline Uitkomst ixtool(const std::string& argumenten) {
   return u;
 }
 
-inline void zet_bytes(const std::string& pad, const std::string& bytes) {
-  std::ofstream(pad, std::ios::binary) << bytes;
-}
-
 /// The bytes of an index, by block and entry. `breed` is an entry with its pointer.
 struct IndexBytes {
   std::string b;

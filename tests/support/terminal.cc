@@ -385,3 +385,11 @@ std::string picture(Terminal& t, int first, std::string_view soll) {
   for (std::string r; std::getline(in, r);) s += t.row(first++) + "\n";
   return s;
 }
+
+std::string picture_lacks(Terminal& t, std::initializer_list<std::string_view> texts) {
+  const std::string beeld = t.screen();
+  std::string weg;
+  for (const std::string_view tekst : texts)
+    if (beeld.find(tekst) == std::string::npos) weg += "\"" + std::string(tekst) + "\", ";
+  return weg.empty() ? weg : weg + "on\n" + beeld;
+}

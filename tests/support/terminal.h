@@ -9,6 +9,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +26,7 @@ inline constexpr const char *F1 = "\x1bOP", *F2 = "\x1bOQ", *F3 = "\x1bOR", *F4 
                             *F5 = "\x1b[15~", *F6 = "\x1b[17~", *F7 = "\x1b[18~", *F8 = "\x1b[19~",
                             *F9 = "\x1b[20~", *F10 = "\x1b[21~", *F11 = "\x1b[23~",
                             *F12 = "\x1b[24~";
+inline std::string in(std::string_view text) { return std::string(text) + Enter; }
 }  // namespace toets
 
 struct TerminalOpties {
@@ -44,6 +46,12 @@ struct Terminal {
   /// Waits until the child reads, then types (UTF-8, or the keys above). All in one go: what is
   /// behind the first key is typed ahead.
   void type(std::string_view keys);
+  /// One after the other, and waits before each.
+  template <class... Rest>
+  void type(std::string_view keys, std::string_view then, const Rest&... rest) {
+    type(keys);
+    type(then, rest...);
+  }
   /// Types without waiting for the child to read, for a program that is at work.
   void type_now(std::string_view keys);
   /// Waits until the child reads its terminal or has ended. False after 20 seconds.
@@ -82,6 +90,10 @@ Terminal start(const std::vector<std::string>& argv, const TerminalOpties& optie
 Terminal start_in_child(const std::function<void()>& werk, const TerminalOpties& opties = {});
 /// The folder with the terminal entries of the tests, made at the first call.
 const std::string& terminfo_map();
+
+/// That the screen shows all of these texts.
+#define EXPECT_SHOWS(terminal, ...) EXPECT_EQ(picture_lacks(terminal, {__VA_ARGS__}), "")
+std::string picture_lacks(Terminal& t, std::initializer_list<std::string_view> texts);
 
 /// The rows of a picture, from 1: `soll` starts with a newline and is compared without the blanks
 /// at the end of lines.
