@@ -8,8 +8,8 @@ enum class OpdrachtSoort : int {
   bestaand = 5,
   geannuleerd = 6
 };
-/// Prints temp_verzamel (kinds 1, 2, 5) on a destination that the operator picks. False when the
-/// operator backed out. temp_verzamel stays.
+/// Prints temp_verzamel (kinds 1, 2, 5) on a destination that the operator picks; nothing is asked
+/// when it is empty. False when the operator backed out. temp_verzamel stays.
 bool opdruk(OpdrachtSoort);
 
 // Commands.
