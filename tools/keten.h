@@ -62,6 +62,7 @@ struct SerieTaak {
   uint8_t sets, spookgroepen;  // price sets, free price groups ahead of them
   uint8_t groepen[3];          // of each set
   bool met_ean;
+  bool scheef;  // its stock stands in one shop while the others sell it
   int16_t onderweg, onderweg_klaar, financieel, ontvangsten, aanvul, voorlopig;
 };
 

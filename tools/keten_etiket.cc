@@ -15,13 +15,17 @@ enum Stroom : uint64_t { ETIKETTEN = 400 };
 /// Chances in thousandths of ordered, stock, sold, corrected.
 constexpr std::array<std::array<int32_t, 4>, 4> LOT = {
     {{300, 700, 0, 0}, {130, 557, 280, 33}, {120, 497, 350, 33}, {0, 457, 510, 33}}};
+/// Everything that was ordered has come: who waits for a delivery moves nothing between shops.
+constexpr std::array<int32_t, 4> LOT_SCHEEF = {0, 580, 387, 33};
 constexpr uint16_t TARIEF = 210;
+constexpr int VERS = 14;  // days in which a sale asks for another piece
 
 struct Maker {
   const Keten& k;
   const DtSer& serie;
   const SerieTaak& taak;
-  bool magazijn;  // its article group has one
+  bool magazijn;         // its article group has one
+  uint8_t volle_winkel;  // where most of a skewed series stands
   std::vector<uint8_t> maten;
   std::vector<int32_t> maatgewicht;
   Bron b;
@@ -41,6 +45,7 @@ std::vector<int32_t> klok(size_t n) {
 uint8_t winkel(Maker& m) { return static_cast<uint8_t>(m.b.gewogen(m.k.gewicht)); }
 
 uint8_t waar_voorraad(Maker& m) {
+  if (m.taak.scheef) return m.b.kans(900) ? m.volle_winkel : winkel(m);
   if (!m.magazijn) return winkel(m);
   return m.taak.leeftijd == Leeftijd::nieuw || m.b.kans(230) ? uint8_t{0} : winkel(m);
 }
@@ -69,6 +74,8 @@ void ontvangen(Maker& m, Etiket* e) {
 /// A day between receipt and today, for old series soon after the receipt.
 uint16_t weg(Maker& m, const Etiket& e) {
   const int dagen = m.k.maat.vandaag - e.ontdat;
+  if (m.taak.scheef && m.b.kans(500))
+    return static_cast<uint16_t>(e.ontdat + dagen - m.b.tot(std::min(dagen, VERS)));
   const int duur = m.taak.leeftijd == Leeftijd::oud && m.b.kans(950) ? std::min(dagen, 150) : dagen;
   return static_cast<uint16_t>(e.ontdat + m.b.tot(duur + 1));
 }
@@ -101,7 +108,8 @@ Etiket etiket(Maker& m) {
   e.advpr = m.serie.adviesprijs;
   e.vrkpr = m.serie.verkoopprijs;
   e.ordernr = 100000 + m.taak.besteld;
-  e.status = static_cast<uint8_t>(1 + m.b.gewogen(LOT[static_cast<size_t>(m.taak.leeftijd)]));
+  const auto& lot = m.taak.scheef ? LOT_SCHEEF : LOT[static_cast<size_t>(m.taak.leeftijd)];
+  e.status = static_cast<uint8_t>(1 + m.b.gewogen(lot));
   switch (e.status) {
     case ETI_NOTA:
       besteld(m, &e);
@@ -169,14 +177,12 @@ void pak(const Keten& k, SerieInhoud* uit) {
 
 void keten_etiketten(const Keten& k, size_t i, SerieInhoud* uit) {
   const DtSer& serie = k.series[i];
-  Maker m{k,
-          serie,
-          k.taken[i],
-          heeft_magazijn(k, serie.nr.artgroep),
-          keten_maten_van(k, serie),
-          {},
-          Bron(k.maat.zaad, uint64_t{ETIKETTEN} << 32 | i)};
+  Maker m{k,          serie,
+          k.taken[i], heeft_magazijn(k, serie.nr.artgroep),
+          0,          keten_maten_van(k, serie),
+          {},         Bron(k.maat.zaad, uint64_t{ETIKETTEN} << 32 | i)};
   m.maatgewicht = klok(m.maten.size());
+  if (m.taak.scheef) m.volle_winkel = winkel(m);
   for (int32_t n = 0; n < m.taak.etiketten; ++n) uit->etiketten.push_back(etiket(m));
 }
 

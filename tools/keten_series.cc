@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -235,10 +236,36 @@ void deel_uit(Keten* k) {
     t.onderweg_klaar = deel(m.onderweg_klaar, i, meest);
     t.financieel = deel(m.financieel, i, meest);
     t.ontvangsten = deel(m.ontvangsten, i, meest);
-    t.aanvul = deel(m.aanvul, i, meest);
     k->blokken += (t.etiketten + ETI_SLOTS - 1) / ETI_SLOTS + t.spookblokken;
     k->prijsgroepen += t.spookgroepen;
     for (int s = 0; s < t.sets; ++s) k->prijsgroepen += t.groepen[s];
+  }
+}
+
+/// Few series ask by chance for pieces of another shop; some are made to. Those with order lines
+/// are left as they are: what lies ready for them is counted.
+void kies_scheve(Keten* k) {
+  constexpr size_t STAP = 45;
+  const size_t meest = k->taken.size() * 9 / 10;
+  for (size_t van = 0; van + STAP <= meest; van += STAP) {
+    const std::span stuk = std::span(k->taken).subspan(van, STAP);
+    const auto t = std::ranges::find_if(stuk, [](const SerieTaak& taak) {
+      return taak.leeftijd == Leeftijd::huidig && taak.voorlopig == 0;
+    });
+    if (t != stuk.end()) t->scheef = true;
+  }
+}
+
+/// Open replenishment: evenly, but more of what another shop can bring.
+void deel_aanvul(Keten* k) {
+  constexpr int16_t SCHEEF = 3;
+  const size_t meest = k->taken.size() * 9 / 10;
+  const auto scheve = std::ranges::count(k->taken, true, &SerieTaak::scheef);
+  const int64_t rest = k->maat.aanvul - SCHEEF * scheve;
+  for (size_t i = 0; i < k->taken.size(); ++i) {
+    SerieTaak& t = k->taken[i];
+    t.aanvul = deel(rest < 0 ? k->maat.aanvul : rest, i, meest);
+    if (t.scheef && rest >= 0) t.aanvul = static_cast<int16_t>(t.aanvul + SCHEEF);
   }
 }
 
@@ -253,6 +280,8 @@ void keten_series(Keten* k) {
   }
   deel_uit(k);
   deel_regels(k);
+  kies_scheve(k);
+  deel_aanvul(k);
   for (const Seizoen& s : lijst) {
     InkSys rec{};
     rec.jaar = s.jaar;
