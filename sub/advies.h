@@ -57,7 +57,6 @@ enum class AdvReden : uint8_t {
   aan_zichzelf,
   lagere_stand,  // another had the higher claim
   later,         // comes later in the service order
-  al_gehad,      // had its turn
   minder_vrij    // could have given, but another can better
 };
 struct AdvGepasseerd {

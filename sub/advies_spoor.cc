@@ -19,7 +19,7 @@ AdvReden achter(const Advies& a, const Zet& zet, int b) {
     case AdvRegel::restant:
     case AdvRegel::gespreid:
       if (plaats(a, b) > zet.beurt) return AdvReden::later;
-      return zet.regel == AdvRegel::restant ? AdvReden::al_gehad : AdvReden::lagere_stand;
+      return zet.regel == AdvRegel::restant ? AdvReden::genoeg : AdvReden::lagere_stand;
     default:
       return AdvReden::lagere_stand;
   }
@@ -63,7 +63,6 @@ AdvReden bezwaar(const Advies& a, AdvRegel regel, const MaatMatrix* vraag, const
   return bezwaar_minimum(a, *vraag, cel(r, b, s), b, s);
 }
 
-/// Pieces that one rule moves one by one between the same branches become one step.
 void spoor_noteer(Advies& a, const Zet& zet) {
   AdvStap stap{&zet.r,
                zet.regel,
