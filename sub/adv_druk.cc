@@ -28,7 +28,7 @@ bool gedrukt;
 
 void kop() {
   print_head(prt_links, "%s", txt(T_ADVO_KOP_SERIE));
-  print_f("%-14s %-20s %-6.6s %10s %-2s %4s %4s %3s  %s", txt(T_VRAAG_KOP_SERIE),
+  print_f("%-14s %-20s %-7.7s%10s %-2s %4s %4s %3s  %s", txt(T_VRAAG_KOP_SERIE),
           txt(T_ZOEK_KOP_OMS), txt(T_ADVO_K_LOCATIE), txt(T_ADVO_K_VRKPR), txt(T_ADVO_K_KM),
           txt(T_ADVO_K_VRD), txt(T_ADVO_K_VRK), txt(T_ADVO_K_FIL), txt(T_ADVO_K_MAATSPEC));
   print_nl();

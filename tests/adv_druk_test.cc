@@ -1,0 +1,153 @@
+// The advice reports as text, without a screen.
+#include "sub/adv_druk.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+
+#include "prt/prt.h"
+#include "sub/adv_vul.h"
+#include "sub/pghdl.h"
+#include "tests/support/adv_keten.h"
+
+namespace {
+
+struct Druk : AdvKeten {
+  uint8_t alle[32];
+  void SetUp() override {
+    AdvKeten::SetUp();
+    keten.open();
+    iofil('O', 0, &filiaal_rec);
+    werktabellen_open();
+    adv_rec = adv_standaard();
+    pg_fill(alle);
+  }
+  void TearDown() override {
+    werktabellen_sluit();
+    iofil('C', 0, nullptr);
+  }
+  /// The pages of a report; the date and time of the heads are cut off.
+  template <class Doe>
+  static std::string druk(const Doe& doe, int regels = 64) {
+    char* bytes = nullptr;
+    size_t n = 0;
+    FILE* uit = open_memstream(&bytes, &n);
+    prt_open_stil(uit, 132, regels);
+    doe();
+    print_close("");
+    fclose(uit);
+    std::string tekst(bytes, n);
+    free(bytes);
+    return tekst;
+  }
+  static std::string advies(bool (*doe)(), int regels = 64) {
+    const AdvOpen open;
+    return druk(doe, regels);
+  }
+  /// The lines behind the first rule, blanks at their ends cut.
+  static std::string lijst(const std::string& tekst) {
+    const size_t streep = tekst.find(std::string(132, '-') + "\n");
+    std::istringstream in(streep == std::string::npos ? tekst : tekst.substr(streep + 133));
+    std::string uit;
+    for (std::string regel; std::getline(in, regel);) {
+      while (!regel.empty() && regel.back() == ' ') regel.pop_back();
+      uit += regel + "\n";
+    }
+    return uit;
+  }
+};
+
+TEST_F(Druk, ABlockOfASeriesHasALineForEachBranchThatGetsOrGives) {
+  for (const int maat : {1, 2, 2, 2}) stuk(ROK, ETI_VOORRAAD, static_cast<uint8_t>(maat), 0);
+  stuk(ROK, ETI_VOORRAAD, 3, 3);
+  for (const int maat : {1, 1, 2}) verkocht(ROK, static_cast<uint8_t>(maat), 3);
+  verkocht(ROK, 2, 4);
+  verkocht(JAS, 1, 2);  // nothing to give
+  ProefKeten::voeg(dtaanv, DtAanv{WEG, 77});
+  const std::string tekst = advies(adv_druk_series);
+  EXPECT_NE(tekst.find("AANVULADVIES PER SERIE"), std::string::npos);
+  EXPECT_NE(tekst.find("serienummer    omschrijving         locatie     vrkpr km  VRD  VRK fil  "
+                       "maatspecificatie\n     merk      model           materiaal    dessin"),
+            std::string::npos)
+      << tekst;
+  EXPECT_EQ(lijst(tekst),
+            "10100.10.1     Rok geplooid                     49.95                     S   M   L\n"
+            "     DUIN 5    ANNA                                         4    0   0   -1  -2\n"
+            "                                                            1    3   3    1   1\n"
+            "                                                            0    1   4        1\n\n");
+  EXPECT_EQ(dtpick->record_count, 0) << "nothing is written";
+}
+
+TEST_F(Druk, PiecesOfReceivingBranchesThatAskForAnother) {
+  for (int i = 0; i < 4; ++i) stuk(ROK, ETI_VOORRAAD, 2, 0);
+  Etiket e = proef_etiket(ROK, ETI_VERKOPEN, 2, 3);
+  e.bedrag = 123456;
+  e.actie = 7;
+  e.nummer3 = 12;
+  e.klant = 4711;
+  e.vrkdat = date_number("24122025");
+  int32_t nummer = verkocht(ROK, 2, 3);
+  ioeti('W', &nummer, &e);
+  verkocht(ROK, 2, 4);
+  verkocht(ROK, 2, 5);
+  stuk(ROK, ETI_VERKOPEN, 2, 3);                       // asks for nothing
+  ProefKeten::voeg(dtaanv, DtAanv{ROK, 29999});        // no such label
+  ProefKeten::voeg(dtaanv, DtAanv{ROK, 4000000000u});  // nor such a number
+  pg_remove(adv_rec.aanvul_filialen, 5);
+  EXPECT_EQ(
+      lijst(advies(adv_druk_stuks)),
+      "10100.10.1     Rok geplooid                5    M    1234.56  7      49.95 24-12-25  12 "
+      "  4711   3\n"
+      "                                           6    M      44.95         49.95 04-05-23     "
+      "         4\n");
+}
+
+TEST_F(Druk, AnEmptyAdvicePrintsNothingAndPagesHaveHeads) {
+  verkocht(JAS, 1, 2);
+  EXPECT_EQ(advies(adv_druk_series), "");
+  EXPECT_EQ(advies(adv_druk_stuks), "");
+  for (int i = 0; i < 9; ++i) {
+    const Serienr nr{10100, 40, static_cast<uint16_t>(i + 1)};
+    serie(nr, "CLEO", "Blouse");
+    stuk(nr, ETI_VOORRAAD, 1, 0);
+    verkocht(nr, 1, 2);
+  }
+  const std::string tekst = advies(adv_druk_series, 12);
+  int koppen = 0, blokken = 0;
+  for (size_t i = 0; (i = tekst.find("AANVULADVIES PER", i)) != std::string::npos; ++i) ++koppen;
+  for (size_t i = 0; (i = tekst.find("10100.40.", i)) != std::string::npos; ++i) ++blokken;
+  EXPECT_EQ(blokken, 9);
+  EXPECT_EQ(koppen, 5) << "two blocks a page";
+}
+
+TEST_F(Druk, SalesPerBranchOfThePeriod) {
+  const auto verkoop = [](const Serienr& nr, uint8_t filiaal, const char* datum, int32_t bedrag) {
+    Etiket e = proef_etiket(nr, ETI_VERKOPEN, 1, filiaal);
+    int32_t nummer = stuk(nr, ETI_VERKOPEN, 1, filiaal);
+    e.vrkdat = date_number(datum);
+    e.bedrag = bedrag;
+    ioeti('W', &nummer, &e);
+  };
+  verkoop(ROK, 2, "01032025", 1050);
+  verkoop(JAS, 2, "31032025", 2000);
+  verkoop(ROK, 4, "15032025", 100);
+  verkoop(ROK, 4, "28022025", 7777);  // too early
+  verkoop(ROK, 3, "15032025", 7777);  // of a branch that is not asked for
+  verkoop(WEG, 2, "15032025", 7777);  // of no series
+  verkoop(WEG, 4, "15032025", 7777);
+  stuk(ROK, ETI_VOORRAAD, 1, 2);
+  pg_remove(alle, 3);
+  const std::string tekst = druk([&] {
+    EXPECT_TRUE(vrk_verkeer_druk(date_number("01032025"), date_number("31032025"), alle));
+  });
+  EXPECT_NE(tekst.find("VERKOPEN TBV FILIAALVERKEER"), std::string::npos);
+  EXPECT_EQ(lijst(tekst),
+            "10100.30.3     serie onbekend\n"
+            "   2 :       30.50        2  Filiaal 2\n"
+            "   4 :        1.00        1  Filiaal 4\n"
+            "       =========== +\n"
+            "             31.50        3\n");
+  EXPECT_EQ(druk([&] { EXPECT_FALSE(vrk_verkeer_druk(1, 2, alle)); }), "");
+}
+
+}  // namespace

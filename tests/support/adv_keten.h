@@ -1,0 +1,148 @@
+// A small chain with pieces in it, for the advice commands: branch 0 the warehouse of article group
+// 10100, brand 5, sizes S M L, and the commands on a screen of their own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "isam/base.h"
+#include "main/iofil.h"
+#include "main/werktabel.h"
+#include "scr/scr.h"
+#include "sub/adv_krit.h"
+#include "sub/ioeti.h"
+#include "sub/iomaat.h"
+#include "tests/support/keten.h"
+#include "tests/support/terminal.h"
+
+struct AdvKeten : testing::Test {
+  static constexpr Serienr ROK{10100, 10, 1}, JAS{10100, 20, 2}, WEG{10100, 30, 3};
+  static constexpr int FILIALEN = 6;
+  ProefKeten keten{FILIALEN};
+
+  void SetUp() override {
+    keten.open();
+    DtArt art{};
+    art.nummer = ROK.artgroep;
+    veld_zet(art.naam, sizeof art.naam, "Rokken");
+    art.magazijn = 0;
+    art.vlaggen = 1;  // the warehouse sells nothing
+    art.soort = 'A';
+    art.minimum = 1;
+    for (int b = 1; b < FILIALEN; ++b) art.streef[b] = 1;
+    ProefKeten::voeg(dtart, art);
+    DtMerk merk{};
+    merk.nummer = 5;
+    veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
+    veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
+    ProefKeten::voeg(dtmerk, merk);
+    maten();
+    serie(ROK, "ANNA", "Rok geplooid");
+    serie(JAS, "BEA", "Jas lang");
+    keten.sluit();
+  }
+
+  static void maten() {
+    DtMaat rec{};
+    rec.land = rec.maatsoort = 1;
+    IXWRITE(dtmaat, &rec);
+    MaatHandle* h = mtopen(1, 1, MT_WIJZIG);
+    for (const char* tekst : {"  S", "  M", "  L"}) {
+      MaatRec m{};
+      m.positie = static_cast<uint8_t>(tekst[2] == 'S' ? 1 : tekst[2] == 'M' ? 2 : 3);
+      memcpy(m.tekst, tekst, sizeof m.tekst);
+      EXPECT_TRUE(mtvoegtoe(h, &m));
+    }
+    mtclose(h);
+  }
+  static void serie(const Serienr& nr, const char* model, const char* omschrijving) {
+    DtSer rec{};
+    rec.nr = nr;
+    rec.merk = 5;
+    rec.maatsoort = 1;
+    rec.maten[0] = 0x0E;
+    rec.blok1 = -1;
+    rec.verkoopprijs = 4995;
+    veld_zet(rec.model, sizeof rec.model, model);
+    veld_zet(rec.omschrijving, sizeof rec.omschrijving, omschrijving);
+    ProefKeten::voeg(dtser, rec);
+  }
+  /// A label; the chain of its series follows. Its number.
+  static int32_t stuk(const Serienr& nr, uint8_t status, uint8_t maat, uint8_t filiaal) {
+    Etiket e = proef_etiket(nr, status, maat, filiaal);
+    e.bedrag = status == ETI_VERKOPEN ? 4495 : 0;
+    int32_t nummer = 0;
+    ioeti('W', &nummer, &e);
+    DtSer rec{};
+    rec.nr = nr;
+    if (IXREAD(dtser, &rec) && rec.blok1 < 0) {
+      rec.blok1 = eti_blok(nummer);
+      IXWRITE(dtser, &rec);
+    }
+    return nummer;
+  }
+  /// A piece sold in a branch, that asks for another.
+  static int32_t verkocht(const Serienr& nr, uint8_t maat, uint8_t filiaal) {
+    const int32_t nummer = stuk(nr, ETI_VERKOPEN, maat, filiaal);
+    ProefKeten::voeg(dtaanv, DtAanv{nr, static_cast<uint32_t>(nummer)});
+    return nummer;
+  }
+  static void regel(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t opdracht = 0) {
+    DtPick rec{};
+    rec.vanfil = static_cast<uint8_t>(van);
+    rec.naarfil = static_cast<uint8_t>(naar);
+    rec.nr = nr;
+    rec.opdrachtnr = opdracht;
+    rec.aantal[1] = stuks;
+    ProefKeten::voeg(dtpick, rec);
+  }
+  /// Changes the chain's files as a program of its own would.
+  void met_keten(const std::function<void()>& doe) {
+    keten.open();
+    doe();
+    keten.sluit();
+  }
+  /// All order lines: "van>naar serie nummer: maat x stuks, ...".
+  std::string regels() {
+    std::string uit;
+    keten.open();
+    DtPick rec{};
+    for (bool er = IXFIRSTR(dtpick, &rec); er; er = IXNEXT(dtpick, &rec)) {
+      uit += str_format("%d>%d %s", rec.vanfil, rec.naarfil, serie_tekst(rec.nr));
+      if (rec.opdrachtnr != 0) uit += str_format(" nr %lu", rec.opdrachtnr);
+      for (int m = 0; m < MATEN; ++m)
+        if (rec.aantal[m] != 0) uit += str_format(" %dx%lu", m, rec.aantal[m]);
+      uit += "\n";
+    }
+    keten.sluit();
+    return uit;
+  }
+  int aanvul_regels() {
+    keten.open();
+    int n = 0;
+    DtAanv rec{};
+    for (bool er = IXFIRSTR(dtaanv, &rec); er; er = IXNEXT(dtaanv, &rec)) ++n;
+    keten.sluit();
+    return n;
+  }
+  /// A command on a screen; behind it "KLAAR" and `na` stand on row 20.
+  Terminal draai(
+      const std::function<void()>& doe,
+      const std::function<std::string()>& na = [] { return std::string(); }) {
+    return start_in_child([this, doe, na] {
+      keten.open();
+      iofil('O', 0, &filiaal_rec);
+      werktabellen_open();
+      adv_sets.fill(adv_standaard());
+      SCRINIT();
+      doe();
+      scr_print(A_WAARDE, 20, 1, "KLAAR %s", na());
+      scr_enter(21, 1);
+      werktabellen_sluit();
+      keten.sluit();
+      scr_exit(0);
+    });
+  }
+};
