@@ -45,21 +45,20 @@ bool heeft_stukken() {
          totaal(advies.m_correctie) != 0;
 }
 
-bool toets(int slot) {
+bool bereken(int slot) {
   const MaatMatrix& vraag = slot == ADV_HANDMATIG ? advies.m_aanvul : advies.m_vrk_periode;
-  if (!heeft_stukken()) return false;
-  if (slot == ADV_MUTATIES && !adv_selectie()) return false;
   return adv_bereken(advies, adv_rec, vraag);
 }
 
-/// The series in ser_rec is locked: loads it and, with `streng`, tests it.
-bool laad(int slot, bool streng) {
+/// The series in ser_rec is locked: loads and calculates it; true when it is to be had.
+bool laad(int slot, bool toets) {
   if (!adv_vul()) {
     const std::string regel = serie_tekst(ser_rec.nr) + "  " + txt(T_ADVO_ONLEESBAAR);
     ix_hooks.regel(regel.c_str(), 2);
     return false;
   }
-  return toets(slot) || !streng;
+  if (toets && (!heeft_stukken() || (slot == ADV_MUTATIES && !adv_selectie()))) return false;
+  return bereken(slot) || !toets;
 }
 
 void toon_nummer() {
@@ -104,7 +103,7 @@ bool adv_volgende(const AdvLoop& loop, int richting) {
   const DtSer begin = ser_rec;
   DtSer plaats = begin;
   if (scr_ctx != nullptr) scr_intr_reset();
-  while (!scr_interrupted()) {
+  do {
     ser_rec = plaats;
     const bool er =
         richting == ADV_TERUG ? IXPREV(loop.bron, &ser_rec) : IXNEXT(loop.bron, &ser_rec);
@@ -112,7 +111,7 @@ bool adv_volgende(const AdvLoop& loop, int richting) {
     plaats = ser_rec;  // where the walk is, whatever the locked read finds
     toon_nummer();
     if (adv_neem(loop.slot, true)) return true;
-  }
+  } while (!scr_interrupted());
   ser_rec = begin;
   return false;
 }

@@ -259,7 +259,7 @@ constexpr Rijen RIJEN[] = {
     {12, &Advies::m_aanvul},   {13, &Advies::m_voorlopig}, {3, &Advies::r_aanvul},
     {4, &Advies::r_switch},    {5, &Advies::r_herverdeel},
 };
-constexpr int NR_AANDEEL = 11;
+constexpr int NR_AANDEEL = 11, NR_LIJST = 13;
 
 void rijen_maak() {
   try {
@@ -271,12 +271,28 @@ void rijen_maak() {
   }
 }
 
+bool vul() {
+  adv_wis(advies);
+  adv_maak_leeg(tpck);
+  adv_maak_leeg(tmpgo);
+  lees_stam();
+  Lading lading;
+  lees_aanvul(lading);
+  lees_onderweg(lading);
+  const bool geheel = lees_etiketten(lading);
+  bewaar_uitgevoerd(lading);
+  lees_opdrachten(lading);
+  adv_totalen(advies);
+  adv_verzamelingen(advies, adv_rec.vanuit_filialen, adv_rec.aanvul_filialen, merk_rec.filialen);
+  return geheel;
+}
+
 }  // namespace
 
 void adv_open() {
   advies = Advies{};
-  rijen_maak();
   advies.verdeel.per_maat = (sys_rec1.opties3 & OPTIE_PER_MAAT) != 0;
+  rijen_maak();
   pick_sleutel = dtpick->block.key_number;
   go_sleutel = dtgo->block.key_number;
   IXSWITCH(dtpick, KEY_PICK_SERIE);
@@ -298,17 +314,9 @@ void adv_sluit() {
 }
 
 bool adv_vul() {
-  adv_wis(advies);
-  adv_maak_leeg(tpck);
-  adv_maak_leeg(tmpgo);
-  lees_stam();
-  Lading lading;
-  lees_aanvul(lading);
-  lees_onderweg(lading);
-  const bool geheel = lees_etiketten(lading);
-  bewaar_uitgevoerd(lading);
-  lees_opdrachten(lading);
-  adv_totalen(advies);
-  adv_verzamelingen(advies, adv_rec.vanuit_filialen, adv_rec.aanvul_filialen, merk_rec.filialen);
-  return geheel;
+  try {
+    return vul();
+  } catch (const std::bad_alloc&) {
+    ctl_nomem(ADV_MODULE, NR_LIJST);
+  }
 }

@@ -9,8 +9,9 @@ extern Kleur adv_kleur;
 extern DtDoelgr adv_doelgroep;
 extern MaatHandle* adv_maten;  // its sizes, limited to its map; may be empty
 
-/// Rows for all matrices, the fair-share score begun anew, tmpgo and the tables' keys as the steps
-/// need them. Memory that cannot be had ends the program ("vrdbsub1"). adv_sluit gives all back.
+/// Rows for all matrices, the fair-share score begun anew, tmpgo open and the tables' keys as the
+/// steps need them; tpck is open and the pair of tmpgo stands (main/werktabel.h). Memory that
+/// cannot be had ends the program ("vrdbsub1"). adv_sluit gives all back.
 void adv_open();
 void adv_sluit();
 struct AdvOpen {
@@ -21,8 +22,8 @@ struct AdvOpen {
 };
 
 /// Loads `advies` for the series in ser_rec by the criteria in adv_rec: master data, matrices,
-/// tpck and tmpgo emptied and filled, sets, service order. False when the labels could not be read
-/// whole: nothing may then be written for this series.
+/// tpck and tmpgo emptied and filled, sets, service order. The label chain is read once. False when
+/// it leads into another series or back into itself: nothing may then be written for this series.
 bool adv_vul();
 
 /// Where series come from: an open private index over DTSER (or DTSER itself), at its current key.
@@ -33,7 +34,8 @@ struct AdvLoop {
 inline constexpr int ADV_VERDER = 19, ADV_TERUG = 20, ADV_ANDER = 21;
 /// The next series (ADV_VERDER) or the one before (ADV_TERUG) from the series in ser_rec that has
 /// an advice the criteria ask for: it stands in ser_rec, locked, with `advies` filled and
-/// calculated. False at the end or when the operator breaks off; nothing is locked then.
+/// calculated. False at the end or when the operator breaks off; nothing is locked then and ser_rec
+/// is as it was.
 bool adv_volgende(const AdvLoop&, int richting);
 /// The test of one series whose number stands in ser_rec: locks, loads, calculates. False: not
 /// locked. Without `toets` the series is taken whatever its advice.

@@ -1,11 +1,15 @@
 // Loading a series for advice: what each label, order line and transit record counts for, what is
 // read how often, and which series the walk stops at.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
+#include <set>
 
 #include "isam/base.h"
 #include "isam/io.h"
 #include "main/werktabel.h"
+#include "scr/scr.h"
 #include "sub/adv_krit.h"
 #include "sub/adv_vul.h"
 #include "sub/adv_vul_intern.h"
@@ -15,7 +19,21 @@
 #include "sub/muteren.h"
 #include "sub/pghdl.h"
 #include "tests/support/agent.h"
+#include "tests/support/beproeving.h"
 #include "tests/support/keten.h"
+
+namespace {
+int geheugen_over = -1;  // large allocations until one fails, -1 never
+}
+
+void* operator new(size_t n) {
+  if (n >= 1024 && geheugen_over >= 0 && geheugen_over-- == 0) throw std::bad_alloc();
+  void* p = malloc(n);
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+void operator delete(void* p) noexcept { free(p); }
+void operator delete(void* p, size_t) noexcept { free(p); }
 
 namespace {
 
@@ -205,6 +223,29 @@ TEST_F(AdvVul, OrdersCountByWhatIsStillToGo) {
   const uint64_t geschreven = io_proef.geschreven;
   ASSERT_TRUE(vul(JAS));
   EXPECT_EQ(io_proef.geschreven, geschreven);
+}
+
+/// Memory that runs out while the rows are made names what there was no room for.
+TEST_F(AdvVul, NoMemoryEndsTheProgramWithItsNumber) {
+  std::set<std::string> gemeld;
+  for (int n = 0; n < 100; ++n) {
+    const std::string einde = Kind([n] {
+                                adv_sluit();
+                                scr_hooks.kaal = [](const char* tekst) {
+                                  geheugen_over = -1;
+                                  ix_hooks.fataal(tekst);
+                                };
+                                geheugen_over = n;
+                                adv_open();
+                                geheugen_over = -1;
+                                return std::string("open");
+                              }).einde(20);
+    if (einde == "open") break;
+    ASSERT_TRUE(einde.find("VRDBSUB1: ") != std::string::npos) << einde;
+    gemeld.insert(einde.substr(einde.rfind('(')));
+  }
+  EXPECT_EQ(gemeld, (std::set<std::string>{"(nr=1)", "(nr=2)", "(nr=3)", "(nr=4)", "(nr=5)",
+                                           "(nr=7)", "(nr=8)", "(nr=11)", "(nr=12)", "(nr=13)"}));
 }
 
 int eti_gelezen;
