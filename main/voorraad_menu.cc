@@ -6,6 +6,7 @@
 #include "isam/base.h"
 #include "main/controle.h"
 #include "main/magazijn.h"
+#include "main/opdruk.h"
 #include "main/saldo.h"
 #include "main/teksten.h"
 #include "main/werktabel.h"
@@ -43,16 +44,16 @@ constexpr Rij MENU[] = {
     rubriek(1, T_MENU_ADVIEZEN),
     keuze(T_MENU_SERIE_SELECTIE, serie_selectie),
     keuze(T_MENU_AUTOMATISCH, opdracht_automatisch),
-    keuze(T_MENU_HANDMATIG, nullptr),
-    keuze(T_MENU_INGEVEN, nullptr),
+    keuze(T_MENU_HANDMATIG, opdracht_handmatig),
+    keuze(T_MENU_INGEVEN, mutaties_ingeven),
     keuze(T_MENU_DRUK_SERIE, adv_druk_serie),
     keuze(T_MENU_DRUK_ARTIKEL, adv_druk_stuk),
     keuze(T_MENU_VERKOPEN, vrk_verkeer),
 
     rubriek(1, T_MENU_OPDRACHTEN),
-    keuze(T_AFDRUKKEN_VOORLOPIG, nullptr, VOORLOPIG),
-    keuze(T_MENU_NIEUWE, nullptr, VOORLOPIG),
-    keuze(T_MENU_BESTAANDE, nullptr, DEFINITIEF),
+    keuze(T_AFDRUKKEN_VOORLOPIG, opdracht_voorlopig, VOORLOPIG),
+    keuze(T_MENU_NIEUWE, opdracht_nieuw, VOORLOPIG),
+    keuze(T_MENU_BESTAANDE, opdracht_bestaand, DEFINITIEF),
     keuze(T_MENU_UITVOEREN, adviezen_uitvoeren, VOORLOPIG),
     keuze(T_MENU_CONTROLE, nullptr, DEFINITIEF),
     keuze(T_MENU_LOCATIES, mag_locaties),
