@@ -105,8 +105,7 @@ TEST(Adviesscherm, ShowsThreeBlocksAndTheFourthForMutationsOnly) {
    Series met distributie-advies            : Ja
    Overige series                           : Ja
 )");
-  t.type("4");
-  EXPECT_SHOWS(t, "Ongeldige ingave");
+  EXPECT_SHOWS(t.type("4"), "Ongeldige ingave");
   Terminal u = scherm(k, ADV_MUTATIES);
   EXPECT_EQ(u.row(17), " 4 SELECTIE OP VOORRAAD en VERKOPEN");
   EXPECT_SHOWS(u, "maximum");
@@ -115,17 +114,12 @@ TEST(Adviesscherm, ShowsThreeBlocksAndTheFourthForMutationsOnly) {
 TEST(Adviesscherm, TakesOrdersBranchesAndAnswers) {
   Keten k;
   Terminal t = scherm(k, ADV_HANDMATIG);
-  t.type("1", "2");
-  EXPECT_EQ(t.text(4, 4, 33), "Series met voorlopige opdracht   ");
-  t.type("2");
-  EXPECT_SHOWS(t, "Ingave filialen, gescheiden door komma's");
-  t.type(toets::in("1-3"), toets::Enter);
-  EXPECT_EQ(t.text(7, 47, 4), "1-3 ");
+  EXPECT_EQ(t.type("1", "2").text(4, 4, 33), "Series met voorlopige opdracht   ");
+  EXPECT_SHOWS(t.type("2"), "Ingave filialen, gescheiden door komma's");
+  EXPECT_EQ(t.type(toets::in("1-3"), toets::Enter).text(7, 47, 4), "1-3 ");
   EXPECT_EQ(t.text(8, 47, 4), "alle");
-  t.type("3", toets::Enter, toets::in("N"), toets::Esc);
-  EXPECT_EQ(t.text(12, 47, 3), "Nee");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.text(1, 1, 9), "o10 s0 vr");
+  EXPECT_EQ(t.type("3", toets::Enter, toets::in("N"), toets::Esc).text(12, 47, 3), "Nee");
+  EXPECT_EQ(t.type(toets::Esc).text(1, 1, 9), "o10 s0 vr");
   EXPECT_TRUE(t.row(1).ends_with("v14 a255."));
 }
 
@@ -133,16 +127,13 @@ TEST(Adviesscherm, AnotherKindOfSalesBeginsWithItsOwnRange) {
   Keten k;
   Terminal t = scherm(k, ADV_MUTATIES);
   t.type("4");
-  t.type(toets::Enter);    // branches
-  t.type(toets::in("3"));  // stock from
-  t.type(toets::in("2"));  // below it: refused
-  EXPECT_SHOWS(t, "Alleen 3 t/m 99999 mogelijk");
+  t.type(toets::Enter);                                                 // branches
+  t.type(toets::in("3"));                                               // stock from
+  EXPECT_SHOWS(t.type(toets::in("2")), "Alleen 3 t/m 99999 mogelijk");  // below it: refused
   t.type(toets::in("20"));
   t.type(toets::in("30"));  // days
-  t.type(toets::in("p"));
-  EXPECT_EQ(t.text(21, 54, 8), "100     ");
-  t.type(toets::Esc, toets::Esc);
-  EXPECT_SHOWS(t, "vrd 3-20 vrk P 0-100 dg 30");
+  EXPECT_EQ(t.type(toets::in("p")).text(21, 54, 8), "100     ");
+  EXPECT_SHOWS(t.type(toets::Esc, toets::Esc), "vrd 3-20 vrk P 0-100 dg 30");
 }
 
 }  // namespace

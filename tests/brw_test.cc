@@ -124,62 +124,49 @@ TEST(Browser, PagesAndStopsAtBothEnds) {
   EXPECT_EQ(stand(t), "01-16 01");
   keer(t, toets::Down, 15);
   EXPECT_EQ(stand(t), "01-16 16");
-  t.type(toets::Down);  // the page moves one record on
-  EXPECT_EQ(stand(t), "02-17 17");
-  t.type(toets::PgDn);
-  EXPECT_EQ(stand(t), "18-33 33");
-  t.type(toets::PgDn);  // the list ends inside the page: the cursor is pulled back
-  EXPECT_EQ(stand(t), "34-40 40");
+  EXPECT_EQ(stand(t.type(toets::Down)), "02-17 17");  // the page moves one record on
+  EXPECT_EQ(stand(t.type(toets::PgDn)), "18-33 33");
+  EXPECT_EQ(stand(t.type(toets::PgDn)),
+            "34-40 40");  // the list ends inside the page: the cursor is pulled back
   EXPECT_EQ(t.text(12, 59, 22), "│                    │");
-  t.type(toets::Down, toets::PgDn);
-  EXPECT_EQ(stand(t), "34-40 40");
+  EXPECT_EQ(stand(t.type(toets::Down, toets::PgDn)), "34-40 40");
   keer(t, toets::Up, 7);
   EXPECT_EQ(stand(t), "33-40 33");
-  t.type(toets::PgUp);
-  EXPECT_EQ(stand(t), "17-32 17");
-  t.type(toets::Down, toets::PgUp);
-  EXPECT_EQ(stand(t), "01-16 02");
-  t.type(toets::PgUp);  // nothing before it: the cursor goes to the top
-  EXPECT_EQ(stand(t), "01-16 01");
-  t.type(toets::Up);
-  EXPECT_EQ(stand(t), "01-16 01");
+  EXPECT_EQ(stand(t.type(toets::PgUp)), "17-32 17");
+  EXPECT_EQ(stand(t.type(toets::Down, toets::PgUp)), "01-16 02");
+  EXPECT_EQ(stand(t.type(toets::PgUp)),
+            "01-16 01");  // nothing before it: the cursor goes to the top
+  EXPECT_EQ(stand(t.type(toets::Up)), "01-16 01");
   keer(t, toets::Down, 3);
-  t.type(toets::Tab);
-  EXPECT_EQ(stand(t), "04-19 04");
+  EXPECT_EQ(stand(t.type(toets::Tab)), "04-19 04");
   EXPECT_EQ(t.text(4, 61, 17), "record      tien ");
 }
 
 TEST(Browser, ASearchPutsTheFoundRecordOnTopAndEnterPicksIt) {
   Terminal t = start_lijst({40});
   keer(t, toets::Down, 3);
-  t.type("25", toets::Enter);
-  EXPECT_EQ(stand(t), "25-40 25");
-  t.type(toets::Down, toets::Enter);
-  EXPECT_EQ(t.row(1), "gekozen 26 (0)");  // a single pick is over at once
+  EXPECT_EQ(stand(t.type("25", toets::Enter)), "25-40 25");
+  EXPECT_EQ(t.type(toets::Down, toets::Enter).row(1),
+            "gekozen 26 (0)");  // a single pick is over at once
 }
 
 TEST(Browser, TheCallerMayHaveTheFoundRecordShownOtherwise) {
   Terminal een_terug = start_lijst({40, false, true, false, 1, 3});
   EXPECT_EQ(stand(een_terug), "02-17 03");
   een_terug.type("25");
-  een_terug.type(toets::Down);  // a key other than Enter ends a search as well
-  EXPECT_EQ(stand(een_terug), "24-39 25");
+  EXPECT_EQ(stand(een_terug.type(toets::Down)),
+            "24-39 25");  // a key other than Enter ends a search as well
 
   Terminal alleen_cursor = start_lijst({40, false, true, false, 4});
-  alleen_cursor.type("12", toets::Enter);
-  EXPECT_EQ(stand(alleen_cursor), "01-16 12");
-  alleen_cursor.type("20", toets::Enter);
-  EXPECT_EQ(stand(alleen_cursor), "20-35 20");
+  EXPECT_EQ(stand(alleen_cursor.type("12", toets::Enter)), "01-16 12");
+  EXPECT_EQ(stand(alleen_cursor.type("20", toets::Enter)), "20-35 20");
 }
 
 TEST(Browser, WithoutCursorTheTopLineIsTheRecordInHand) {
   Terminal t = start_lijst({40, false, true, true});
-  t.type(toets::Down);
-  EXPECT_EQ(stand(t), "02-17 02");
-  t.type(toets::PgDn, toets::Up);
-  EXPECT_EQ(stand(t), "17-32 17");
-  t.type(toets::F3);
-  EXPECT_EQ(t.row(1), "gekozen 17 (0)");
+  EXPECT_EQ(stand(t.type(toets::Down)), "02-17 02");
+  EXPECT_EQ(stand(t.type(toets::PgDn, toets::Up)), "17-32 17");
+  EXPECT_EQ(t.type(toets::F3).row(1), "gekozen 17 (0)");
 }
 
 TEST(Browser, MarksComeInMarkingOrder) {
@@ -194,10 +181,8 @@ TEST(Browser, MarksComeInMarkingOrder) {
   t.type(toets::F7);  // 2 again: no longer
   EXPECT_EQ(t.text(5, 60, 1) + t.text(6, 60, 1) + t.text(7, 60, 1) + t.text(9, 60, 1), "→ →→");
   EXPECT_EQ(stand(t), "01-16 03");
-  t.type(toets::Enter);  // with marks Enter does nothing
-  EXPECT_EQ(stand(t), "01-16 03");
-  t.type(toets::F3);
-  EXPECT_EQ(t.row(1), "gekozen 5 1 3 (0)");
+  EXPECT_EQ(stand(t.type(toets::Enter)), "01-16 03");  // with marks Enter does nothing
+  EXPECT_EQ(t.type(toets::F3).row(1), "gekozen 5 1 3 (0)");
 }
 
 TEST(Browser, InvertedMarksGiveAllTheOthersInFileOrder) {
@@ -207,8 +192,8 @@ TEST(Browser, InvertedMarksGiveAllTheOthersInFileOrder) {
   t.type(toets::Down);
   keer(t, toets::F7, 3);
   EXPECT_EQ(t.text(5, 60, 1) + t.text(6, 60, 1) + t.text(9, 60, 1), "→ →");
-  t.type(toets::PgDn, toets::F3);
-  EXPECT_EQ(t.row(1), "gekozen 1 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 (0)");
+  EXPECT_EQ(t.type(toets::PgDn, toets::F3).row(1),
+            "gekozen 1 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 (0)");
 }
 
 TEST(Browser, MarksCanBeWipedAndWithoutAnyEnterPicksTheRecordInHand) {
@@ -216,15 +201,13 @@ TEST(Browser, MarksCanBeWipedAndWithoutAnyEnterPicksTheRecordInHand) {
   t.type(toets::F7, toets::F6, toets::F10);
   EXPECT_EQ(t.text(5, 60, 1) + t.text(6, 60, 1), "  ");
   EXPECT_EQ(stand(t), "01-16 02");
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(1), "gekozen 2 (0)");
+  EXPECT_EQ(t.type(toets::Enter).row(1), "gekozen 2 (0)");
 }
 
 TEST(Browser, CancelForgetsTheMarks) {
   for (const char* toets : {toets::Esc, toets::Cancel}) {
     Terminal t = start_lijst({20, true});
-    t.type(toets::F7, toets);
-    EXPECT_EQ(t.row(1), "gekozen (0)");
+    EXPECT_EQ(t.type(toets::F7, toets).row(1), "gekozen (0)");
     EXPECT_FALSE(t.shows("regel"));
   }
 }
@@ -237,21 +220,17 @@ TEST(Browser, AnEmptyListShowsNothing) {
 
 TEST(Browser, AListEmptiedUnderItEndsItAndLeavesNoKeyBehind) {
   Terminal t = start_lijst({3, true});
-  t.type(toets::F7, "999", toets::Enter);
-  EXPECT_EQ(t.row(1), "gekozen (0)");
+  EXPECT_EQ(t.type(toets::F7, "999", toets::Enter).row(1), "gekozen (0)");
   EXPECT_EQ(t.row(2), "");
-  t.type("q");
-  EXPECT_EQ(t.row(2), "toets 113");
+  EXPECT_EQ(t.type("q").row(2), "toets 113");
 }
 
 TEST(Browser, ARecordThatVanishesIsPassedOver) {
   Terminal t = start_lijst({20, true});
   t.type(toets::F7, toets::F7, toets::Up);
   t.type("998");  // number 2 goes
-  t.type(toets::Enter);
-  EXPECT_EQ(stand(t), "01-17 01");
-  t.type(toets::F3);
-  EXPECT_EQ(t.row(1), "gekozen 1 (0)");
+  EXPECT_EQ(stand(t.type(toets::Enter)), "01-17 01");
+  EXPECT_EQ(t.type(toets::F3).row(1), "gekozen 1 (0)");
 }
 
 TEST(Browser, ColumnFormatsKeepHeadingAndLineTogether) {

@@ -134,19 +134,15 @@ TEST(Live, LoginSelectPrintAndBack) {
   EXPECT_TRUE(t.wait_for("Onjuiste gebruikerscode of wachtwoord"));
   EXPECT_FALSE(t.shows("fout"));
   naar_opdsaldo(t);
-  t.type("11");
-  EXPECT_SHOWS(t, "Selectiecriteria");
+  EXPECT_SHOWS(t.type("11"), "Selectiecriteria");
   t.type(toets::Esc);
   ASSERT_TRUE(t.shows("Printbestemming"));
-  t.type(toets::Down, toets::Enter);
-  EXPECT_SHOWS(t, "Selectie en afdrukken");
+  EXPECT_SHOWS(t.type(toets::Down, toets::Enter), "Selectie en afdrukken");
   ASSERT_TRUE(
       wacht_tot([&] { return bytes_van(afdruk(keten)).find("TOTAAL") != std::string::npos; }));
   EXPECT_EQ(lijst(afdruk(keten)), keten.saldo());
-  t.type(toets::Esc);
-  EXPECT_SHOWS(t, "Hoofdmenu");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_SHOWS(t.type(toets::Esc), "Hoofdmenu");
+  EXPECT_EQ(t.type(toets::Esc).exit_status(), 0);
   for (const char* weg :
        {"DTSER.O01", "DTSER.A01", "DTSER.R01", "TPDTSE01", "TP01.TXT", "DTMERK.01"})
     EXPECT_FALSE(std::filesystem::exists(keten / weg)) << weg;
@@ -160,8 +156,9 @@ TEST(Live, OneBrandAndThePreview) {
   ASSERT_NE(merk, 0);
   Terminal t = keten.launcher();
   naar_opdsaldo(t);
-  t.type("11", "1", "1", std::to_string(merk), toets::Enter);
-  EXPECT_NE(t.row(3).find(std::to_string(merk)), std::string::npos);
+  EXPECT_NE(
+      t.type("11", "1", "1", std::to_string(merk), toets::Enter).row(3).find(std::to_string(merk)),
+      std::string::npos);
   t.type(toets::Esc);
   ASSERT_TRUE(t.shows("Printbestemming"));
   t.type(toets::Enter);
@@ -171,8 +168,7 @@ TEST(Live, OneBrandAndThePreview) {
   for (int aantal = 0; std::getline(soll, regel) && aantal < 8; ++aantal)
     EXPECT_NE(beeld.find(regel), std::string::npos) << regel << "\n" << beeld;
   EXPECT_TRUE(t.reverse(1, 1));
-  t.type(toets::Esc);
-  EXPECT_SHOWS(t, "Selectie en afdrukken");
+  EXPECT_SHOWS(t.type(toets::Esc), "Selectie en afdrukken");
 }
 
 TEST(Live, InquiryUserHasNoMenu) {
@@ -180,11 +176,9 @@ TEST(Live, InquiryUserHasNoMenu) {
   Terminal t = keten.launcher();
   meld_aan(t, "KIJK", "KIJK");
   ASSERT_TRUE(t.shows("Voorraadbeheer"));
-  t.type("1");
-  EXPECT_SHOWS(t, "Geen menubevoegdheden");
+  EXPECT_SHOWS(t.type("1"), "Geen menubevoegdheden");
   EXPECT_FALSE(t.shows("Selectie en afdrukken"));
-  t.type(toets::Enter);
-  EXPECT_SHOWS(t, "Hoofdmenu");
+  EXPECT_SHOWS(t.type(toets::Enter), "Hoofdmenu");
 }
 
 TEST(Live, FiveWrongPasswordsMarkTheRecord) {
@@ -205,8 +199,7 @@ TEST(Live, AnEmptyTableDisablesTheEntry) {
   }
   Terminal t = keten.launcher();
   naar_opdsaldo(t);
-  t.type("11");
-  EXPECT_SHOWS(t, "Keuze niet beschikbaar");
+  EXPECT_SHOWS(t.type("11"), "Keuze niet beschikbaar");
 }
 
 TEST(Live, TheExclusiveHolderIsWaitedFor) {

@@ -70,8 +70,7 @@ TEST(Menu, UpDownAndTabGoAround) {
   };
   int row = 4, col = 2;
   for (const Stap& s : stappen) {
-    t.type(s.toets);
-    EXPECT_TRUE(t.reverse(s.row, s.col)) << s.row << ' ' << s.col;
+    EXPECT_TRUE(t.type(s.toets).reverse(s.row, s.col)) << s.row << ' ' << s.col;
     EXPECT_FALSE(t.reverse(row, col)) << row << ' ' << col;
     row = s.row, col = s.col;
   }
@@ -79,45 +78,34 @@ TEST(Menu, UpDownAndTabGoAround) {
 
 TEST(Menu, RefusesWhatIsNotThereAndComesBackOnWhatWasUsed) {
   Terminal t = start_menu(drie_rubrieken);
-  t.type("19");
-  EXPECT_EQ(t.row(25), "Ongeldige keuze");
+  EXPECT_EQ(t.type("19").row(25), "Ongeldige keuze");
   EXPECT_TRUE(t.reverse(4, 2));
-  t.type("12");
-  EXPECT_EQ(t.row(25), "Keuze niet beschikbaar");
+  EXPECT_EQ(t.type("12").row(25), "Keuze niet beschikbaar");
   EXPECT_TRUE(t.reverse(5, 2));
-  t.type("21");
-  EXPECT_EQ(t.row(20), "gedaan: afdrukken");
+  EXPECT_EQ(t.type("21").row(20), "gedaan: afdrukken");
   t.type(toets::Enter);
   // The same operation stands under 12 too: the cursor goes to the first that has it.
   EXPECT_TRUE(t.reverse(5, 2));
-  t.type("31", toets::Enter);
-  EXPECT_TRUE(t.reverse(4, 42));
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(20), "gedaan: opruimen");
+  EXPECT_TRUE(t.type("31", toets::Enter).reverse(4, 42));
+  EXPECT_EQ(t.type(toets::Enter).row(20), "gedaan: opruimen");
   t.type(toets::Enter, toets::Back);
-  t.type(toets::Enter);  // an empty field takes the cursor item
-  EXPECT_EQ(t.row(20), "gedaan: opruimen");
-  t.type(toets::Enter, toets::Cancel);
-  EXPECT_EQ(t.row(20), "terug op 355");
+  EXPECT_EQ(t.type(toets::Enter).row(20),
+            "gedaan: opruimen");  // an empty field takes the cursor item
+  EXPECT_EQ(t.type(toets::Enter, toets::Cancel).row(20), "terug op 355");
 }
 
 TEST(Menu, HelpAndProgramInformationComeBackToTheField) {
   Terminal t = start_menu(drie_rubrieken);
-  t.type(toets::Down, toets::F1);
-  EXPECT_NE(t.row(16).find(" keuzemogelijkheden "), std::string::npos);
+  EXPECT_NE(t.type(toets::Down, toets::F1).row(16).find(" keuzemogelijkheden "), std::string::npos);
   EXPECT_EQ(t.text(17, 3, 30), "11-31   Nummer van menukeuze  ");
   EXPECT_EQ(t.text(18, 3, 30), "Up      Naar vorige menukeuze ");
   EXPECT_EQ(t.text(20, 3, 50), "Tab     Naar eerste menukeuze van volgende rubriek");
   EXPECT_SHOWS(t, "<ENTER> voor vervolg");
-  t.type(toets::Enter);
-  EXPECT_FALSE(t.shows("keuzemogelijkheden"));
+  EXPECT_FALSE(t.type(toets::Enter).shows("keuzemogelijkheden"));
   EXPECT_TRUE(t.reverse(5, 2));
-  t.type(toets::F10);
-  EXPECT_SHOWS(t, "over dit programma");
-  t.type(toets::Enter);
-  EXPECT_TRUE(t.reverse(5, 2));
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(20), "terug op 27");
+  EXPECT_SHOWS(t.type(toets::F10), "over dit programma");
+  EXPECT_TRUE(t.type(toets::Enter).reverse(5, 2));
+  EXPECT_EQ(t.type(toets::Esc).row(20), "terug op 27");
 }
 
 TEST(Menu, WithoutRightsThereIsNothingToChoose) {
@@ -128,8 +116,7 @@ TEST(Menu, WithoutRightsThereIsNothingToChoose) {
   });
   EXPECT_EQ(t.row(23), "Geen menubevoegdheden");
   EXPECT_EQ(t.row(24), "<ENTER> voor vervolg");
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(20), "terug op 10");
+  EXPECT_EQ(t.type(toets::Enter).row(20), "terug op 10");
 }
 
 template <int N>
@@ -142,22 +129,17 @@ void zonder_rubriek() {
 TEST(Menu, OneDigitChoosesAtOnceUpToEightItems) {
   Terminal acht = start_menu(zonder_rubriek<8>);
   EXPECT_EQ(acht.row(10), "  8 Laatste");
-  acht.type("8");
-  EXPECT_EQ(acht.row(20), "gedaan: wijzigen");
+  EXPECT_EQ(acht.type("8").row(20), "gedaan: wijzigen");
 
   Terminal negen = start_menu(zonder_rubriek<9>);
-  negen.type("9");
-  EXPECT_EQ(negen.row(20), "");
-  negen.type(toets::Enter);
-  EXPECT_EQ(negen.row(20), "gedaan: wijzigen");
+  EXPECT_EQ(negen.type("9").row(20), "");
+  EXPECT_EQ(negen.type(toets::Enter).row(20), "gedaan: wijzigen");
 }
 
 TEST(Menu, TabWithoutRubricsGoesToTheFirstItem) {
   Terminal t = start_menu(zonder_rubriek<3>);
-  t.type(toets::Up);
-  EXPECT_TRUE(t.reverse(5, 2));
-  t.type(toets::Tab);
-  EXPECT_TRUE(t.reverse(3, 3));
+  EXPECT_TRUE(t.type(toets::Up).reverse(5, 2));
+  EXPECT_TRUE(t.type(toets::Tab).reverse(3, 3));
 }
 
 TEST(Menu, ARubricOfTenMakesTheNextSkipTen) {
@@ -187,8 +169,7 @@ TEST(Menu, AFaultOfTheProgramEndsItWithModuleAndCode) {
       menu_run();
     });
     EXPECT_SHOWS(t, niveau ? "menuhdl: errno=101" : "menuhdl: errno=102");
-    t.type(toets::Enter);
-    EXPECT_EQ(t.exit_status(), 1);
+    EXPECT_EQ(t.type(toets::Enter).exit_status(), 1);
   }
 }
 
@@ -236,16 +217,11 @@ TEST(Keuze, ALetterChoosesAndTheCallersKeysHoldForEveryRead) {
   EXPECT_TRUE(t.bold(10, 14) && t.underline(10, 14));
   EXPECT_FALSE(t.underline(10, 15));
   EXPECT_TRUE(t.underline(10, 39));
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(2), "1: 1 10 0");
-  t.type("p");
-  EXPECT_EQ(t.row(2), "2: 2 10 0");
-  t.type("z");
-  EXPECT_EQ(t.row(25).substr(0, 3), "<Z>");
-  t.type(toets::F3);
-  EXPECT_EQ(t.row(2), "3: -1 267 0");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(2), "4: -1 27 0");
+  EXPECT_EQ(t.type(toets::Enter).row(2), "1: 1 10 0");
+  EXPECT_EQ(t.type("p").row(2), "2: 2 10 0");
+  EXPECT_EQ(t.type("z").row(25).substr(0, 3), "<Z>");
+  EXPECT_EQ(t.type(toets::F3).row(2), "3: -1 267 0");
+  EXPECT_EQ(t.type(toets::Esc).row(2), "4: -1 27 0");
 }
 
 TEST(Keuze, ANumberOfTheRangeChoosesAsSoonAsItIsOne) {
@@ -254,25 +230,18 @@ TEST(Keuze, ANumberOfTheRangeChoosesAsSoonAsItIsOne) {
     popup_number(77, getal, 11, 23);
     key_allow(K_F3);
   });
-  t.type("0");
-  EXPECT_EQ(t.cursor_col(), 12);  // a leading zero does not move
-  t.type("1");
-  EXPECT_EQ(t.cursor_col(), 13);
+  EXPECT_EQ(t.type("0").cursor_col(), 12);  // a leading zero does not move
+  EXPECT_EQ(t.type("1").cursor_col(), 13);
   EXPECT_EQ(t.text(10, 12, 1), "1");
   t.type(toets::Enter);  // nothing on the second place: the first digit stays
-  t.type("4");
-  EXPECT_EQ(t.row(2), "1: 77 10 14");
-  t.type("9");
-  EXPECT_EQ(t.row(25), "<9> ongeldige keuze");
+  EXPECT_EQ(t.type("4").row(2), "1: 77 10 14");
+  EXPECT_EQ(t.type("9").row(25), "<9> ongeldige keuze");
   EXPECT_EQ(t.text(10, 12, 2), "_ ");  // wiped, and the field on the first place again
-  t.type("2", "4");
-  EXPECT_EQ(t.row(25), "<24> ongeldige keuze");
-  t.type("1", "s");
-  EXPECT_EQ(t.row(2), "2: 0 10 0");
-  t.type(toets::Enter);  // empty: asked again, and the caller's key still counts
-  EXPECT_EQ(t.row(2), "2: 0 10 0");
-  t.type(toets::F3);
-  EXPECT_EQ(t.row(2), "3: -1 267 0");
+  EXPECT_EQ(t.type("2", "4").row(25), "<24> ongeldige keuze");
+  EXPECT_EQ(t.type("1", "s").row(2), "2: 0 10 0");
+  EXPECT_EQ(t.type(toets::Enter).row(2),
+            "2: 0 10 0");  // empty: asked again, and the caller's key still counts
+  EXPECT_EQ(t.type(toets::F3).row(2), "3: -1 267 0");
 }
 
 TEST(Keuze, ALineThatDoesNotFitShowsLettersAndListsTheItemsOnHelp) {
@@ -281,13 +250,10 @@ TEST(Keuze, ALineThatDoesNotFitShowsLettersAndListsTheItemsOnHelp) {
     key_allow(K_CANCEL);
   });
   EXPECT_EQ(t.row(10), "  Uw keuze _ S, W, L");
-  t.type(toets::F1);
-  EXPECT_SHOWS(t, "zonder letter", "Lange naam van een keuze die de regel vult");
-  t.type(toets::Esc);
-  EXPECT_FALSE(t.shows("zonder letter"));
+  EXPECT_SHOWS(t.type(toets::F1), "zonder letter", "Lange naam van een keuze die de regel vult");
+  EXPECT_FALSE(t.type(toets::Esc).shows("zonder letter"));
   EXPECT_EQ(t.row(2), "");
-  t.type(toets::F1, toets::Down, toets::Down, toets::Enter);
-  EXPECT_EQ(t.row(2), "1: 3 10 0");
+  EXPECT_EQ(t.type(toets::F1, toets::Down, toets::Down, toets::Enter).row(2), "1: 3 10 0");
 }
 
 TEST(Keuze, AnAmpersandMarksALetterButNotTheNameOfAKey) {

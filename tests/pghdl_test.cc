@@ -132,50 +132,32 @@ struct Veld : testing::Test {
 TEST_F(Veld, WhatIsTypedBecomesTheSet) {
   start("60s", false);
   EXPECT_EQ(t.text(2, 5, 4), "1-2_");
-  t.type("3-5,9\r");
-  EXPECT_EQ(t.row(4), "anders deel 3-5,9");
-  t.type("3,3\r");
-  EXPECT_SHOWS(t, "<3> Filiaal reeds geselecteerd");
-  t.type("7\r");
-  EXPECT_EQ(t.row(4), "anders deel 7");
-  t.type("\r");
-  EXPECT_EQ(t.row(4), "deel 7");
-  t.type("0-11\r");
-  EXPECT_EQ(t.row(4), "anders alle 0-11");
-  t.type(std::string(toets::Back) + "\r");
-  EXPECT_EQ(t.row(4), "anders leeg deel");
-  t.type(std::string("5") + toets::Esc);
-  EXPECT_EQ(t.row(4), "leeg deel");
+  EXPECT_EQ(t.type("3-5,9\r").row(4), "anders deel 3-5,9");
+  EXPECT_SHOWS(t.type("3,3\r"), "<3> Filiaal reeds geselecteerd");
+  EXPECT_EQ(t.type("7\r").row(4), "anders deel 7");
+  EXPECT_EQ(t.type("\r").row(4), "deel 7");
+  EXPECT_EQ(t.type("0-11\r").row(4), "anders alle 0-11");
+  EXPECT_EQ(t.type(std::string(toets::Back) + "\r").row(4), "anders leeg deel");
+  EXPECT_EQ(t.type(std::string("5") + toets::Esc).row(4), "leeg deel");
 }
 
 TEST_F(Veld, TheListHasSeriesOneAndKeepsTheOthers) {
   start("60s,I", true);
-  t.type(toets::F5);
-  EXPECT_SHOWS(t, "alle filialen        alle");
-  t.type("T");
-  EXPECT_SHOWS(t, "Toevoegen filiaalreeks");
-  t.type("grote winkels\r", "1,2,9\r");
-  EXPECT_SHOWS(t, "grote winkels        1-2,9");
-  t.type("S");  // the one just made
-  EXPECT_EQ(t.row(4), "anders deel 1-2,9");
-  t.type(toets::F5, toets::Down, "W");
-  EXPECT_SHOWS(t, "Wijzigen filiaalreeks");
-  t.type("winkels\r", "1-10\r");
-  EXPECT_SHOWS(t, "winkels              1-10");
+  EXPECT_SHOWS(t.type(toets::F5), "alle filialen        alle");
+  EXPECT_SHOWS(t.type("T"), "Toevoegen filiaalreeks");
+  EXPECT_SHOWS(t.type("grote winkels\r", "1,2,9\r"), "grote winkels        1-2,9");
+  EXPECT_EQ(t.type("S").row(4), "anders deel 1-2,9");  // the one just made
+  EXPECT_SHOWS(t.type(toets::F5, toets::Down, "W"), "Wijzigen filiaalreeks");
+  EXPECT_SHOWS(t.type("winkels\r", "1-10\r"), "winkels              1-10");
   EXPECT_FALSE(t.shows("grote"));
-  t.type("V");
-  EXPECT_SHOWS(t, "Verwijderen filiaalreeks");
-  t.type("J\r");
-  EXPECT_FALSE(t.shows("winkels"));
+  EXPECT_SHOWS(t.type("V"), "Verwijderen filiaalreeks");
+  EXPECT_FALSE(t.type("J\r").shows("winkels"));
   EXPECT_SHOWS(t, "alle filialen        alle");
   t.type("T", "leeg\r");
-  t.type("\r");  // no set is every branch
-  EXPECT_SHOWS(t, "leeg                 alle");
+  EXPECT_SHOWS(t.type("\r"), "leeg                 alle");  // no set is every branch
   t.type("V", "J\r", "V");
-  t.type("J\r");  // series 1 comes back
-  EXPECT_SHOWS(t, "alle filialen        alle");
-  t.type(toets::F3);
-  EXPECT_EQ(t.row(4), "anders alle 0-11");
+  EXPECT_SHOWS(t.type("J\r"), "alle filialen        alle");  // series 1 comes back
+  EXPECT_EQ(t.type(toets::F3).row(4), "anders alle 0-11");
 }
 
 TEST_F(Veld, TheHundredthSeriesDoesNotFit) {
@@ -186,8 +168,7 @@ TEST_F(Veld, TheHundredthSeriesDoesNotFit) {
     ProefSysteem::zet(SYS_FILIAALREEKSEN.basis + (n - 1) * 56, &rec, sizeof rec);
   }
   start("60s,I", true);
-  t.type(toets::F5, "T");
-  EXPECT_SHOWS(t, "Geen ruimte meer beschikbaar");
+  EXPECT_SHOWS(t.type(toets::F5, "T"), "Geen ruimte meer beschikbaar");
 }
 
 }  // namespace

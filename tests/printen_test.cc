@@ -66,16 +66,14 @@ TEST(Printen, TheListShowsWhatSuitsAndTakesThePick) {
               std::string::npos)
       << p.t.screen();
   EXPECT_FALSE(p.t.shows("SCR-132"));
-  p.t.type("mat\r");
-  EXPECT_TRUE(p.t.row(5).find("MATRIX") != std::string::npos) << p.t.screen();
+  EXPECT_TRUE(p.t.type("mat\r").row(5).find("MATRIX") != std::string::npos) << p.t.screen();
   p.t.type(toets::F3);
   EXPECT_EQ(p.klaar(), "1 80 uit.lst");
 }
 
 TEST(Printen, LeavingTheListIsARefusalWhereTheScreenIsNotAllowed) {
   Programma p(vraag_80);
-  p.t.type(toets::Esc);
-  EXPECT_SHOWS(p.t, "Er is geen geldig uitvoermedium geselecteerd");
+  EXPECT_SHOWS(p.t.type(toets::Esc), "Er is geen geldig uitvoermedium geselecteerd");
   p.t.type(toets::Enter);
   EXPECT_EQ(p.klaar().substr(0, 1), "0");
 }
@@ -85,10 +83,8 @@ TEST(Printen, AReportThatNeedsADestinationComesBackToTheList) {
     prt_annuleren_mag = false;
     return vraag_80();
   });
-  p.t.type(toets::Esc);
-  EXPECT_SHOWS(p.t, "U dient een printbestemming te selecteren");
-  p.t.type(toets::Enter);
-  EXPECT_SHOWS(p.t, "Printbestemming");
+  EXPECT_SHOWS(p.t.type(toets::Esc), "U dient een printbestemming te selecteren");
+  EXPECT_SHOWS(p.t.type(toets::Enter), "Printbestemming");
   p.t.type(toets::F3);
   EXPECT_EQ(p.klaar(), "1 80 /dev/null");
 }
@@ -100,8 +96,7 @@ TEST(Printen, AFileOfNoOneWidthAsksForIt) {
     return goed;
   });
   EXPECT_SHOWS(p.t, "Printbreedte", "132 koloms");
-  p.t.type("4");  // 40 columns will not do
-  EXPECT_SHOWS(p.t, "Printbreedte");
+  EXPECT_SHOWS(p.t.type("4"), "Printbreedte");  // 40 columns will not do
   p.t.type("1");
   EXPECT_EQ(p.klaar(), "1 132 uit.lst");
 }

@@ -67,8 +67,7 @@ TEST(Vensters, BorderTitleAndEdges) {
   EXPECT_EQ(t.bg(6, 12), 7);  // colour set 1: blue on white
   EXPECT_EQ(t.fg(5, 11), 4);
   EXPECT_EQ(t.bg(1, 1), 4);
-  t.type(" ");
-  EXPECT_EQ(t.row(5), std::string(80, '.'));
+  EXPECT_EQ(t.type(" ").row(5), std::string(80, '.'));
   EXPECT_EQ(t.row(4) + t.row(6) + t.row(8), "");
   EXPECT_EQ(eind(t), 0);
 }
@@ -101,13 +100,10 @@ TEST(Vensters, BaseTextSlidesUnderWindows) {
 └──────────────────merk                nsters door               Even geduld aub)");
   EXPECT_EQ(t.fg(25, 20), 7);  // the accent of set 2 stands for the underline
   EXPECT_EQ(t.fg(24, 20), 6);
-  t.type("x");
-  EXPECT_EQ(t.row(1), " Voorraad");
+  EXPECT_EQ(t.type("x").row(1), " Voorraad");
   EXPECT_EQ(t.text(25, 41, 40), std::string(25, ' ') + "Even geduld aub");
-  t.type("x");
-  EXPECT_EQ(t.text(25, 41, 40), std::string(40, ' '));
-  t.type("x");
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type("x").text(25, 41, 40), std::string(40, ' '));
+  EXPECT_EQ(t.type("x").exit_status(), 0);
 }
 
 TEST(Vensters, ClearsAndOutputOff) {
@@ -153,16 +149,12 @@ TEST(Meldingen, BoxesWaitForEnter) {
                            │ naar filiaal 7        │
                            │ <ENTER> voor vervolg  │
                            └───────────────────────┘)");
-  t.type("x");  // anything but Enter leaves it
-  EXPECT_SHOWS(t, "waarschuwing");
+  EXPECT_SHOWS(t.type("x"), "waarschuwing");  // anything but Enter leaves it
   t.type(toets::Enter);
   EXPECT_TRUE(t.shows("Klaar") && !t.shows("waarschuwing"));
-  t.type(toets::Enter);
-  EXPECT_SHOWS(t, "─PAD/X.TXT─", "Opnieuw? (J/N)");
-  t.type("j\r");
-  EXPECT_SHOWS(t, "Versie pakket", "<ENTER> voor vervolg");
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(1), "1");
+  EXPECT_SHOWS(t.type(toets::Enter), "─PAD/X.TXT─", "Opnieuw? (J/N)");
+  EXPECT_SHOWS(t.type("j\r"), "Versie pakket", "<ENTER> voor vervolg");
+  EXPECT_EQ(t.type(toets::Enter).row(1), "1");
   EXPECT_EQ(eind(t), 0);
 }
 
@@ -176,8 +168,7 @@ TEST(Meldingen, ProgressBar) {
   });
   EXPECT_SHOWS(t, "Voortgang DTSER", " 25 %");
   EXPECT_TRUE(t.reverse(12, 16) && t.reverse(12, 27) && !t.reverse(12, 28));
-  t.type("x");
-  EXPECT_EQ(t.screen().find_first_not_of('\n'), std::string::npos);
+  EXPECT_EQ(t.type("x").screen().find_first_not_of('\n'), std::string::npos);
   EXPECT_EQ(eind(t), 0);
 }
 
@@ -197,8 +188,7 @@ TEST(Toetsen, AccentsInAndOut) {
     EXPECT_EQ(std::atoi(t.text(1, 5, 6).c_str()), code) << toets;
     ++n;
   }
-  t.type("\xE9qqq");  // a stray byte takes nothing with it
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type("\xE9qqq").exit_status(), 0);  // a stray byte takes nothing with it
 }
 
 TEST(Toetsen, EveryKeyHasItsCode) {
@@ -214,14 +204,11 @@ TEST(Toetsen, EveryKeyHasItsCode) {
   int n = 0;
   for (const auto& [toets, code] : reeks) {
     n += std::string(toets) == "\x1bx" ? 2 : 1;  // Escape, then a letter
-    t.type(toets);
-    EXPECT_EQ(t.text(1, 1, 10), str_format("%3d: %5d", n, code)) << n;
+    EXPECT_EQ(t.type(toets).text(1, 1, 10), str_format("%3d: %5d", n, code)) << n;
   }
   t.resize(40, 100);  // is no key
-  t.type("~");
-  EXPECT_EQ(t.text(1, 1, 10), str_format("%3d: %5d", ++n, int{'~'}));
-  t.type("\x1a\x11q");  // neither Ctrl+Z nor XON
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type("~").text(1, 1, 10), str_format("%3d: %5d", ++n, int{'~'}));
+  EXPECT_EQ(t.type("\x1a\x11q").exit_status(), 0);  // neither Ctrl+Z nor XON
 }
 
 TEST(Toetsen, StackAndNames) {
@@ -264,8 +251,7 @@ TEST(Afbreken, QuestionDuringALongRun) {
   t.wait_for("bezig");
   t.type_now(toets::Cancel);
   t.wait_for("Onderbreken");
-  t.type("\r");
-  EXPECT_EQ(t.row(2), "gestopt");
+  EXPECT_EQ(t.type("\r").row(2), "gestopt");
   EXPECT_EQ(eind(t), 0);
 }
 
@@ -291,14 +277,12 @@ TEST(Afbreken, TheLastScreen) {
       scr_term_open("-w");  // brings a window of its own
     });
     EXPECT_SHOWS(diep, "win_open : Teveel vensters open");
-    diep.type("\r");
-    EXPECT_EQ(diep.exit_status(), 1);
+    EXPECT_EQ(diep.type("\r").exit_status(), 1);
   }
 
   Terminal dicht = start_in_child([] { ix_hooks = IX_HOOKS_KAAL, scr_abort("vroeg"); });
   EXPECT_SHOWS(dicht, "PROGRAMMA AFGEBROKEN\nvroeg\nNeem contact op met de Support-groep");
-  dicht.type("\r");
-  EXPECT_EQ(dicht.exit_status(), 1);
+  EXPECT_EQ(dicht.type("\r").exit_status(), 1);
 }
 
 TEST(Afbreken, ALineThatGoesAwayEndsTheProgram) {
@@ -365,8 +349,7 @@ TEST(Terminals, WideWhereTheWindowFollows) {
   for (int keer = 0; keer < 2; ++keer) {
     EXPECT_EQ(t.row(1), "breed 25 132");
     EXPECT_EQ(t.text(25, 128, 4), "hoek");
-    t.type("x");
-    EXPECT_EQ(t.row(3), "gewoon");
+    EXPECT_EQ(t.type("x").row(3), "gewoon");
     EXPECT_EQ(t.row(25), "");
     EXPECT_EQ(t.text(6, 5, 20), "│terug 80          │") << t.screen();
     const std::string& uit = t.output();  // the keypad mode comes behind what may undo it
@@ -386,12 +369,10 @@ TEST(Terminals, WideFallsBackWhereItDoesNot) {
   EXPECT_EQ(t.row(1), "breed 25 80");
   EXPECT_EQ(t.row(3), "");
   EXPECT_EQ(t.text(25, 76, 4), "hoek");
-  t.type("x");
-  EXPECT_EQ(t.row(3), "gewoon");
+  EXPECT_EQ(t.type("x").row(3), "gewoon");
   EXPECT_EQ(t.row(25), "");
   EXPECT_EQ(t.text(5, 5, 20), "┌─────venster──────┐");
-  t.type("x", toets::Up);
-  EXPECT_EQ(t.text(6, 5, 6), "│259 g") << t.screen();
+  EXPECT_EQ(t.type("x", toets::Up).text(6, 5, 6), "│259 g") << t.screen();
   EXPECT_EQ(eind(t), 0);
 }
 
@@ -408,10 +389,8 @@ TEST(Terminals, LeftAsFound) {
     std::exit(std::system("stty -a | grep -q ' echo '"));
   });
   EXPECT_EQ(t.row(1), "open 0");
-  t.type("x");
-  EXPECT_EQ(t.row(1), "open 1");
-  t.type("x");
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type("x").row(1), "open 1");
+  EXPECT_EQ(t.type("x").exit_status(), 0);
   EXPECT_EQ(t.row(1), "dicht");
   const std::string& uit = t.staat == nullptr ? "" : t.output();
   EXPECT_NE(uit.rfind("\x1b[?1l"), std::string::npos);  // keypad mode off
@@ -434,9 +413,7 @@ TEST(Terminals, EntriesComeFromTheUsersOwn) {
       },
       {{"TERM=vt220", "HOME=" + huis.pad}});
   EXPECT_EQ(t.row(1), "breed 25 80");  // without an entry for the wide one
-  t.type("x");
-  EXPECT_EQ(t.row(2), "0101");
+  EXPECT_EQ(t.type("x").row(2), "0101");
   EXPECT_EQ(t.row(3), "gewoon");
-  t.type("x");
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type("x").exit_status(), 0);
 }

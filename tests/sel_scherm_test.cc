@@ -72,92 +72,64 @@ VOORRAADBEHEER
 )");
   EXPECT_TRUE(t.reverse(3, 2));
   EXPECT_EQ(t.row(24), "Uw keuze _ I, W, B, O, A");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "m0 a0-0 k0-0", "aangevuld 0-29990");
+  EXPECT_SHOWS(t.type(Esc), "m0 a0-0 k0-0", "aangevuld 0-29990");
   EXPECT_EQ(file_size("DTSEL013.000"), 32 + 13 * 2);
 }
 
 TEST_F(Scherm, StandardSeriesHaveNoYears) {
   Terminal t = start(13);
-  t.type("19", in("s"));
-  EXPECT_EQ(t.text(11, 26, 9), "standaard");
+  EXPECT_EQ(t.type("19", in("s")).text(11, 26, 9), "standaard");
   EXPECT_EQ(t.text(12, 26, 8), "geen    ");
   EXPECT_EQ(t.text(13, 26, 8), "geen    ");
-  t.type("19", in("M"));
-  EXPECT_EQ(t.text(11, 26, 9), "modisch  ");
+  EXPECT_EQ(t.type("19", in("M")).text(11, 26, 9), "modisch  ");
   EXPECT_EQ(t.text(13, 26, 8), "laatste ");
-  t.type(in("22"));  // the field stands on the year from
-  EXPECT_EQ(t.text(12, 26, 8), "2022    ");
-  t.type(in("21"));
-  EXPECT_SHOWS(t, "Alleen 2022 t/m 2999 mogelijk");
-  t.type(in("2023"), in("z"));
-  EXPECT_EQ(t.text(13, 26, 8), "2023 Z  ");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "j20220-20232 h2.");
+  EXPECT_EQ(t.type(in("22")).text(12, 26, 8), "2022    ");  // the field stands on the year from
+  EXPECT_SHOWS(t.type(in("21")), "Alleen 2022 t/m 2999 mogelijk");
+  EXPECT_EQ(t.type(in("2023"), in("z")).text(13, 26, 8), "2023 Z  ");
+  EXPECT_SHOWS(t.type(Esc), "j20220-20232 h2.");
 }
 
 TEST_F(Scherm, RangesThatEndBeforeTheyBeginAreNamedAndTheEndIsAsked) {
   Terminal t = start(13);
-  t.type("13", in("20000"), "12", in("30000"));
-  EXPECT_SHOWS(t, "Ongeldige artikelgroep vanaf - t/m");
+  EXPECT_SHOWS(t.type("13", in("20000"), "12", in("30000")), "Ongeldige artikelgroep vanaf - t/m");
   EXPECT_EQ(t.cursor_row(), 5);
-  t.type(in("10"));
-  EXPECT_SHOWS(t, "Alleen 30000 t/m 99999 mogelijk");
-  t.type(in("40000"), "17", in("5"), "16", in("9"));
-  EXPECT_SHOWS(t, "Ongeldig kleurnummer vanaf - t/m");
-  t.type(std::string(Back) + Enter);
-  EXPECT_EQ(t.text(9, 26, 8), "laatste ");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "a30000-40000 k9-0");
+  EXPECT_SHOWS(t.type(in("10")), "Alleen 30000 t/m 99999 mogelijk");
+  EXPECT_SHOWS(t.type(in("40000"), "17", in("5"), "16", in("9")),
+               "Ongeldig kleurnummer vanaf - t/m");
+  EXPECT_EQ(t.type(std::string(Back) + Enter).text(9, 26, 8), "laatste ");
+  EXPECT_SHOWS(t.type(Esc), "a30000-40000 k9-0");
 }
 
 TEST_F(Scherm, TargetGroupsAndSeasonsAreTypedWithCommas) {
   Terminal t = start(13);
-  t.type("18");
-  EXPECT_EQ(t.row(24),
+  EXPECT_EQ(t.type("18").row(24),
             "Ingave doelgroepen, gescheiden door komma's; F5 voor overzicht omschrijvingen");
-  t.type(in("D,HM"));
-  EXPECT_SHOWS(t, "<M> Komma verwacht");
-  t.type(in("D,,H"));
-  EXPECT_SHOWS(t, "<,> Ongeldige ingave");
-  t.type(in("D.H,D"));
-  EXPECT_SHOWS(t, "<D> Doelgroep reeds geselecteerd");
-  t.type(in("D.H,"));
-  EXPECT_EQ(t.text(10, 26, 5), "D,H  ");
-  t.type("20", in("ww"));
-  EXPECT_EQ(t.text(14, 26, 5), "W    ");
-  t.type("21", in("1,2"));
-  EXPECT_EQ(t.text(15, 26, 5), "1,2, ");
-  t.type("21", std::string(Back) + Enter);
-  EXPECT_EQ(t.text(15, 26, 5), "alle ");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "dg[DH] sz[W]");
+  EXPECT_SHOWS(t.type(in("D,HM")), "<M> Komma verwacht");
+  EXPECT_SHOWS(t.type(in("D,,H")), "<,> Ongeldige ingave");
+  EXPECT_SHOWS(t.type(in("D.H,D")), "<D> Doelgroep reeds geselecteerd");
+  EXPECT_EQ(t.type(in("D.H,")).text(10, 26, 5), "D,H  ");
+  EXPECT_EQ(t.type("20", in("ww")).text(14, 26, 5), "W    ");
+  EXPECT_EQ(t.type("21", in("1,2")).text(15, 26, 5), "1,2, ");
+  EXPECT_EQ(t.type("21", std::string(Back) + Enter).text(15, 26, 5), "alle ");
+  EXPECT_SHOWS(t.type(Esc), "dg[DH] sz[W]");
 }
 
 TEST_F(Scherm, OneBrandShowsItsNameAndTwoAreSeveral) {
   Terminal t = start(13);
-  t.type("11", in("7"));
-  EXPECT_EQ(t.text(3, 26, 20), "   7  ZILT Zilt     ");
+  EXPECT_EQ(t.type("11", in("7")).text(3, 26, 20), "   7  ZILT Zilt     ");
   t.type("11");
   t.type(F5);  // the list opens at the brand, which is marked
-  t.type(Up, F7, F3);
-  EXPECT_EQ(t.text(3, 30, 16), ", ...  meerdere ");
-  t.type("14", F5);
-  EXPECT_SHOWS(t, "Selecteren model alleen mogelijk bij 1 merk");
-  t.type(Enter, Esc, "i");
-  EXPECT_EQ(t.text(3, 26, 10), "alle      ");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "m0 a0-0");
+  EXPECT_EQ(t.type(Up, F7, F3).text(3, 30, 16), ", ...  meerdere ");
+  EXPECT_SHOWS(t.type("14", F5), "Selecteren model alleen mogelijk bij 1 merk");
+  EXPECT_EQ(t.type(Enter, Esc, "i").text(3, 26, 10), "alle      ");
+  EXPECT_SHOWS(t.type(Esc), "m0 a0-0");
 }
 
 TEST_F(Scherm, ChangingAsksForAFieldUntilItIsLeftAndEnterTakesAllOfThem) {
   Terminal t = start(13);
-  t.type("w");
-  EXPECT_EQ(t.row(24), "Uw keuze __ 11-21  <ENTER> voor alle");
-  t.type("22");
-  EXPECT_SHOWS(t, "<22> Ongeldige ingave");
-  t.type("12", in("10100"));
-  EXPECT_EQ(t.text(4, 26, 8), "10100   ");
+  EXPECT_EQ(t.type("w").row(24), "Uw keuze __ 11-21  <ENTER> voor alle");
+  EXPECT_SHOWS(t.type("22"), "<22> Ongeldige ingave");
+  EXPECT_EQ(t.type("12", in("10100")).text(4, 26, 8), "10100   ");
   EXPECT_SHOWS(t, "<ENTER> voor alle");
   t.type(Enter);
   for (const int rij : {3, 4, 5, 6}) {
@@ -171,91 +143,64 @@ TEST_F(Scherm, ChangingAsksForAFieldUntilItIsLeftAndEnterTakesAllOfThem) {
     t.type(Enter);
   }
   EXPECT_SHOWS(t, "<ENTER> voor alle");
-  t.type(Esc);
-  EXPECT_EQ(t.row(24), "Uw keuze _ I, W, B, O, A");
+  EXPECT_EQ(t.type(Esc).row(24), "Uw keuze _ I, W, B, O, A");
 }
 
 TEST_F(Scherm, PeriodsStartAtTheirDefaultsAndMustNotRunBack) {
   const std::string vandaag = date_plain(date_today());
   Terminal t = start(4);
   EXPECT_EQ(t.text(19, 26, 37), "eerste  (010180) t/m vandaag         ");
-  t.type("25");
-  EXPECT_EQ(t.text(19, 26, 6), "010180");
-  t.type(in("010125"));
-  EXPECT_EQ(t.text(19, 47, 6), vandaag);
-  t.type(in("311224"));
-  EXPECT_SHOWS(t, "Ongeldige periode");
+  EXPECT_EQ(t.type("25").text(19, 26, 6), "010180");
+  EXPECT_EQ(t.type(in("010125")).text(19, 47, 6), vandaag);
+  EXPECT_SHOWS(t.type(in("311224")), "Ongeldige periode");
   EXPECT_EQ(t.text(19, 26, 6), "010125");
-  t.type(Enter, in("020125"));
-  EXPECT_EQ(t.text(19, 26, 27), "010125           t/m 020125");
-  t.type("25", in("010180"), in(vandaag.c_str()));
-  EXPECT_EQ(t.text(19, 26, 16), "eerste  (010180)");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "d0-0 ");
+  EXPECT_EQ(t.type(Enter, in("020125")).text(19, 26, 27), "010125           t/m 020125");
+  EXPECT_EQ(t.type("25", in("010180"), in(vandaag.c_str())).text(19, 26, 16), "eerste  (010180)");
+  EXPECT_SHOWS(t.type(Esc), "d0-0 ");
 }
 
 TEST_F(Scherm, StockLimitsActionsAndRemovalHaveTheirOwnFields) {
   Terminal t = start(10);
   EXPECT_EQ(t.text(20, 5, 33), "Series via EDI       alle series ");
   EXPECT_EQ(t.text(17, 26, 28), "eerste  (010180) t/m vandaag");
-  t.type("24", in("12"));
-  EXPECT_EQ(t.text(18, 26, 5), "   12");
-  t.type("25", in("7"));
-  EXPECT_SHOWS(t, "Alleen 12 t/m 99999 mogelijk");
-  t.type(in("99999"));
-  EXPECT_EQ(t.text(19, 26, 7), "maximum");
-  t.type("26", "2");
-  EXPECT_EQ(t.text(20, 26, 18), "series via pricat ");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "v12-99999");
+  EXPECT_EQ(t.type("24", in("12")).text(18, 26, 5), "   12");
+  EXPECT_SHOWS(t.type("25", in("7")), "Alleen 12 t/m 99999 mogelijk");
+  EXPECT_EQ(t.type(in("99999")).text(19, 26, 7), "maximum");
+  EXPECT_EQ(t.type("26", "2").text(20, 26, 18), "series via pricat ");
+  EXPECT_SHOWS(t.type(Esc), "v12-99999");
 
   Terminal u = start(14);
   EXPECT_EQ(u.text(17, 26, 27), "eerste  (010180) t/m 010180");
   EXPECT_EQ(u.text(18, 26, 15), "geen (010180)  ");
   EXPECT_EQ(u.text(22, 2, 30), "28 INVENT.  invdat t/m  geen (");
-  u.type("29");
-  EXPECT_SHOWS(u, "Ja alleen series via Pricat zonder etiketten");
-  u.type("3");
-  EXPECT_TRUE(u.row(23).ends_with("Ja  alleen series via Pricat zonder etiketten"));
-  u.type("29", "1");
-  EXPECT_EQ(u.text(23, 26, 10), "Nee       ");
-  u.type(Esc);
-  EXPECT_SHOWS(u, "w00 ");
+  EXPECT_SHOWS(u.type("29"), "Ja alleen series via Pricat zonder etiketten");
+  EXPECT_TRUE(u.type("3").row(23).ends_with("Ja  alleen series via Pricat zonder etiketten"));
+  EXPECT_EQ(u.type("29", "1").text(23, 26, 10), "Nee       ");
+  EXPECT_SHOWS(u.type(Esc), "w00 ");
 }
 
 TEST_F(Scherm, TheInventoryListAsksForPricesWhenItEnds) {
   Terminal t = start(20);
   EXPECT_EQ(t.row(20), "");  // a letter without a field
-  t.type(Esc);
-  EXPECT_SHOWS(t, "Aankoopprijzen? (J/N)");
-  t.type(in("N"));
-  EXPECT_SHOWS(t, "Verkoopprijzen? (J/N)");
-  t.type(in("N"));
-  EXPECT_SHOWS(t, "p0 ");
+  EXPECT_SHOWS(t.type(Esc), "Aankoopprijzen? (J/N)");
+  EXPECT_SHOWS(t.type(in("N")), "Verkoopprijzen? (J/N)");
+  EXPECT_SHOWS(t.type(in("N")), "p0 ");
 }
 
 TEST_F(Scherm, ASelectionIsSavedUnderANumberRecalledAndDeleted) {
   Terminal t = start(13);
-  t.type("12", in("10100"), "b");
-  EXPECT_SHOWS(t, "Bewaren selectie");
-  t.type(in("3"), in("Zomer"));
-  EXPECT_EQ(t.text(2, 47, 12), " 3  Zomer   ");
-  t.type("i");
-  EXPECT_EQ(t.text(4, 26, 6), "eerste");
-  t.type("o");
-  EXPECT_SHOWS(t, "nr  omschrijving", " 2  ** niet in gebruik **", " 3  Zomer");
-  t.type(in("4"), Enter);
-  EXPECT_SHOWS(t, "Opgevraagde selectie is niet in gebruik");
-  t.type(in("3"), Enter);
-  EXPECT_EQ(t.text(4, 26, 6), "10100 ");
+  EXPECT_SHOWS(t.type("12", in("10100"), "b"), "Bewaren selectie");
+  EXPECT_EQ(t.type(in("3"), in("Zomer")).text(2, 47, 12), " 3  Zomer   ");
+  EXPECT_EQ(t.type("i").text(4, 26, 6), "eerste");
+  EXPECT_SHOWS(t.type("o"), "nr  omschrijving", " 2  ** niet in gebruik **", " 3  Zomer");
+  EXPECT_SHOWS(t.type(in("4"), Enter), "Opgevraagde selectie is niet in gebruik");
+  EXPECT_EQ(t.type(in("3"), Enter).text(4, 26, 6), "10100 ");
 
-  t.type("b", in("3"));
-  EXPECT_SHOWS(t, "Huidige selectie 3  wordt vervangen. Akkoord? (J/N)");
-  t.type(in("N"), in("3"), in("J"), std::string(Back) + Enter);
-  EXPECT_EQ(t.text(2, 47, 12), "            ");
+  EXPECT_SHOWS(t.type("b", in("3")), "Huidige selectie 3  wordt vervangen. Akkoord? (J/N)");
+  EXPECT_EQ(t.type(in("N"), in("3"), in("J"), std::string(Back) + Enter).text(2, 47, 12),
+            "            ");
   EXPECT_FALSE(file_exists("DTSEL013.003"));
-  t.type(Esc);
-  EXPECT_SHOWS(t, "a10100-0");
+  EXPECT_SHOWS(t.type(Esc), "a10100-0");
 }
 
 TEST_F(Scherm, AFileThatIsNoSelectionIsNamedAndLeavesAScreenThatWorks) {
@@ -265,25 +210,19 @@ TEST_F(Scherm, AFileThatIsNoSelectionIsNamedAndLeavesAScreenThatWorks) {
       << std::string("\2\0\0\0\x63\0\7\0", 8) << "f\xFF" << std::string(11, 'Q') << "k";
   Terminal t = start(13);  // the record is read once before the screen and once by it
   EXPECT_SHOWS(t, "Foutief merk in selectie", "Merknr 99");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Merknr 99");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "selectiebestand is inconsistent");
+  EXPECT_SHOWS(t.type(Enter), "Merknr 99");
+  EXPECT_SHOWS(t.type(Enter), "selectiebestand is inconsistent");
   EXPECT_EQ(t.text(3, 26, 10), "   7  ZILT");
   EXPECT_EQ(t.text(4, 26, 6), "10000 ");
-  t.type("18", in("D"));
-  EXPECT_EQ(t.text(10, 26, 3), "D  ");
+  EXPECT_EQ(t.type("18", in("D")).text(10, 26, 3), "D  ");
 }
 
 TEST_F(Scherm, ThePrintOptionShowsAllFieldsAndComesBack) {
   Terminal t = start(13);
-  t.type("12", in("10100"), "a");
-  EXPECT_SHOWS(t, "Printbestemming");
-  t.type(F3);
-  EXPECT_SHOWS(t, "Selectiecriteria VOORRAADBEHEER", "\nArtikelgroep  vanaf  10100\n",
+  EXPECT_SHOWS(t.type("12", in("10100"), "a"), "Printbestemming");
+  EXPECT_SHOWS(t.type(F3), "Selectiecriteria VOORRAADBEHEER", "\nArtikelgroep  vanaf  10100\n",
                "\nDeelseizoen          alle\n");
-  t.type(Esc);
-  EXPECT_EQ(t.text(4, 2, 28), "12 Artikelgroep  vanaf  1010");
+  EXPECT_EQ(t.type(Esc).text(4, 2, 28), "12 Artikelgroep  vanaf  1010");
 }
 
 /// What `werk` prints, by line.

@@ -310,8 +310,7 @@ TEST(Serie, AWalkThatTheOperatorStopsLeavesAnEmptySelection) {
     });
     EXPECT_TRUE(t.shows("Onderbreken")) << vanaf;
     EXPECT_TRUE(t.row(21).starts_with(vanaf == 0 ? "Verwerkt " : "Serienr ")) << t.row(21);
-    t.type(toets::Enter);
-    EXPECT_EQ(t.row(2), "0 0 AKVR.") << vanaf;
+    EXPECT_EQ(t.type(toets::Enter).row(2), "0 0 AKVR.") << vanaf;
   }
 }
 
@@ -342,27 +341,21 @@ TEST(SerieKeuze, KeepsAddsReordersAndEmptiesTheSelection) {
   EXPECT_SHOWS(t, "Sorteervolgorde AKV");
   t.type(toets::Enter);
   t.type("16");  // the first colour
-  t.type(toets::in("8"), toets::Esc);
-  EXPECT_EQ(t.row(2), "2 AKV 1.");
+  EXPECT_EQ(t.type(toets::in("8"), toets::Esc).row(2), "2 AKV 1.");
   t.type(toets::Enter);
 
-  t.type("s", toets::Enter);
-  EXPECT_SHOWS(t, "Huidige selectie eerst leegmaken? (J/N)");
+  EXPECT_SHOWS(t.type("s", toets::Enter), "Huidige selectie eerst leegmaken? (J/N)");
   t.type(toets::Enter);  // no: what comes is added
-  t.type("16", toets::in("5"), toets::Esc);
-  EXPECT_EQ(t.row(2), "5 AKV 1.");
+  EXPECT_EQ(t.type("16", toets::in("5"), toets::Esc).row(2), "5 AKV 1.");
   t.type(toets::Enter);
 
   t.type("s");
-  t.type(toets::in("K"));  // another order, so an empty file
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(2), "5 KAV 1.");  // slot 0 still asks for colour 5 and up
+  t.type(toets::in("K"));                            // another order, so an empty file
+  EXPECT_EQ(t.type(toets::Esc).row(2), "5 KAV 1.");  // slot 0 still asks for colour 5 and up
   t.type(toets::Enter);
 
-  t.type("v");
-  EXPECT_SHOWS(t, "De selectie wordt verwijderd. Akkoord? (J/N)");
-  t.type(toets::in("J"));
-  EXPECT_EQ(t.row(2), "0 KAV 0.");
+  EXPECT_SHOWS(t.type("v"), "De selectie wordt verwijderd. Akkoord? (J/N)");
+  EXPECT_EQ(t.type(toets::in("J")).row(2), "0 KAV 0.");
 }
 
 }  // namespace

@@ -71,37 +71,30 @@ TEST(Sorteer, TheDialogNamesTheLettersAndAddsWhatAKeyNeeds) {
   EXPECT_EQ(t.text(5, 22, 16), "A = Artikelgroep");
   EXPECT_EQ(t.text(17, 22, 11), "L = Locatie");
   EXPECT_EQ(t.text(18, 22, 19), "Sorteervolgorde AKV");
-  t.type("rm", toets::Enter);
-  EXPECT_EQ(t.row(1).substr(0, 8), "1 RMAKV.");
+  EXPECT_EQ(t.type("rm", toets::Enter).row(1).substr(0, 8), "1 RMAKV.");
 }
 
 TEST(Sorteer, TheDialogAsksAgainUntilTheOrderFits) {
   Terminal t = vraag("AKVRMDJSENZBL", "AKV");
-  t.type(toets::in("RR"));
-  EXPECT_SHOWS(t, "<R> Ongeldige ingave");
-  t.type(toets::in("RMDJSENZ"));  // eight, and three to come
-  EXPECT_SHOWS(t, "Te veel velden in sorteervolgorde");
-  t.type(toets::in("RMDJSEKZVA"));
-  EXPECT_EQ(t.row(1).substr(0, 13), "1 RMDJSEKZVA.");
+  EXPECT_SHOWS(t.type(toets::in("RR")), "<R> Ongeldige ingave");
+  EXPECT_SHOWS(t.type(toets::in("RMDJSENZ")),
+               "Te veel velden in sorteervolgorde");  // eight, and three to come
+  EXPECT_EQ(t.type(toets::in("RMDJSEKZVA")).row(1).substr(0, 13), "1 RMDJSEKZVA.");
 }
 
 TEST(Sorteer, ATildeTurnsTheAddingOffButNotTheCount) {
   Terminal t = vraag("AKVRMDJSENZBL~", "AKV");
   EXPECT_EQ(t.text(18, 22, 19), "Sorteervolgorde AKV");  // the sign is no letter
-  t.type(toets::in("RMDJSENZ"));
-  EXPECT_SHOWS(t, "Te veel velden");
-  t.type(toets::in("RM"));
-  EXPECT_EQ(t.row(1).substr(0, 5), "1 RM.");
+  EXPECT_SHOWS(t.type(toets::in("RMDJSENZ")), "Te veel velden");
+  EXPECT_EQ(t.type(toets::in("RM")).row(1).substr(0, 5), "1 RM.");
 }
 
 TEST(Sorteer, LeavingKeepsTheOrderAndNumbersAreForLabelsOnly) {
   Terminal t = vraag("AKVRU", "RAKV");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(1).substr(0, 7), "0 RAKV.");
+  EXPECT_EQ(t.type(toets::Esc).row(1).substr(0, 7), "0 RAKV.");
   Terminal u = vraag("AKVRU", "AKV");
   EXPECT_FALSE(u.shows("Nummer"));
-  u.type(toets::in("U"));
-  EXPECT_SHOWS(u, "Sorteren op nummer is hier niet mogelijk");
+  EXPECT_SHOWS(u.type(toets::in("U")), "Sorteren op nummer is hier niet mogelijk");
   EXPECT_EQ(u.row(1).substr(0, 6), "0 AKV.");
 }
 

@@ -42,8 +42,7 @@ struct Start : testing::Test {
     Terminal t = programma(naam, woorden, wacht_op_toets);
     EXPECT_TRUE(t.shows("PROGRAMMA AFGEBROKEN")) << tekst;
     EXPECT_SHOWS(t, tekst);
-    t.type(toets::Enter);
-    EXPECT_EQ(t.exit_status(), 1);
+    EXPECT_EQ(t.type(toets::Enter).exit_status(), 1);
   }
   static int status_op_schijf() {
     return static_cast<uint8_t>(ProefSysteem::bytes("DTSYS.TXT", 2640 + 6 * 64 + 38, 1)[0]);
@@ -89,8 +88,7 @@ TEST_F(Start, RunningSessionHoldsItsRecordWithStatusOne) {
   EXPECT_SHOWS(t, "gestart");
   EXPECT_EQ(ander.ask(""), "bezet");
   EXPECT_EQ(status_op_schijf(), 1);
-  t.type(toets::Enter);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type(toets::Enter).exit_status(), 0);
   EXPECT_EQ(ander.ask(""), "vrij");
 }
 
@@ -170,11 +168,9 @@ TEST_F(Start, InquiryUserIsToldAndRefused) {
     scr_exit(ctl_has_rights() ? 0 : 3);
   });
   EXPECT_SHOWS(t, "U heeft geen wijzigingsbevoegdheid!");
-  t.type(toets::Enter);
-  EXPECT_SHOWS(t, "mag niet");
+  EXPECT_SHOWS(t.type(toets::Enter), "mag niet");
   EXPECT_FALSE(t.shows("U heeft geen"));
-  t.type(toets::Enter);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type(toets::Enter).exit_status(), 0);
 }
 
 TEST_F(Start, ProgramInformation) {
@@ -186,8 +182,7 @@ TEST_F(Start, ProgramInformation) {
   for (const char* tekst :
        {"proefprog", "870 05-4-2016", "De Ketting BV", "Lindgar8.70  3F", "jan (S)"})
     EXPECT_TRUE(t.shows(tekst)) << tekst << '\n' << t.screen();
-  t.type(toets::Enter);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type(toets::Enter).exit_status(), 0);
 }
 
 // Hand-over ---------------------------------------------------------------------------------------
@@ -232,8 +227,7 @@ TEST_F(Start, ProgramThatIsNowhere) {
   Terminal t = programma("proefprog", GOED, [] { ctl_next("nergens"); },
                          {"TSTBIN=" + systeem.map.pad, "BIN", "PATH=/usr/bin"});
   EXPECT_SHOWS(t, "Programma nergens niet gevonden");
-  t.type(toets::Enter);
-  EXPECT_EQ(t.exit_status(), 1);
+  EXPECT_EQ(t.type(toets::Enter).exit_status(), 1);
 }
 
 TEST_F(Start, LastProgramOfTheChainClearsItsTerminal) {

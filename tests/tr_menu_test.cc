@@ -54,31 +54,21 @@ TEST(TrMenu, ABoxShowsItsItemsAndPassesOverWhatIsOff) {
   EXPECT_TRUE(t.underline(9, 65) && t.bold(9, 65));
   EXPECT_FALSE(t.bold(5, 62));
   EXPECT_FALSE(t.cursor_visible());
-  t.type(toets::Up);  // around, past the title
-  EXPECT_TRUE(t.reverse(9, 62));
-  t.type(" ");
-  EXPECT_TRUE(t.reverse(6, 62));
-  t.type(toets::Down);
-  EXPECT_TRUE(t.reverse(8, 62));
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(24), "1: 1009");
+  EXPECT_TRUE(t.type(toets::Up).reverse(9, 62));  // around, past the title
+  EXPECT_TRUE(t.type(" ").reverse(6, 62));
+  EXPECT_TRUE(t.type(toets::Down).reverse(8, 62));
+  EXPECT_EQ(t.type(toets::Enter).row(24), "1: 1009");
 }
 
 TEST(TrMenu, AHotLetterOrASecondKeyPicksOnlyWhatIsOn) {
   Terminal t = start_tr(doos, 1012);
   EXPECT_TRUE(t.reverse(9, 62));
-  t.type("l", toets::Left);
-  EXPECT_EQ(t.row(24), "");
-  t.type("t");
-  EXPECT_EQ(t.row(24), "1: 1012");
-  t.type(toets::Right);
-  EXPECT_EQ(t.row(24), "2: 1009");
-  t.type(toets::F6);
-  EXPECT_EQ(t.row(24), "3: 1012");
-  t.type(toets::Cancel);
-  EXPECT_EQ(t.row(24), "4: -1");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(24), "5: -1");
+  EXPECT_EQ(t.type("l", toets::Left).row(24), "");
+  EXPECT_EQ(t.type("t").row(24), "1: 1012");
+  EXPECT_EQ(t.type(toets::Right).row(24), "2: 1009");
+  EXPECT_EQ(t.type(toets::F6).row(24), "3: 1012");
+  EXPECT_EQ(t.type(toets::Cancel).row(24), "4: -1");
+  EXPECT_EQ(t.type(toets::Esc).row(24), "5: -1");
 }
 
 TEST(TrMenu, AKeyThatWaitsPicksAtOnceOrGoesToTheMenu) {
@@ -94,26 +84,19 @@ TEST(TrMenu, AKeyThatWaitsPicksAtOnceOrGoesToTheMenu) {
 TEST(TrMenu, ABarOpensBoxesAndMovesFromOneToTheNext) {
   Terminal t = start_tr(balk);
   EXPECT_EQ(t.row(2), " Bestand    Dicht      Nieuw");
-  t.type(toets::Right);  // nothing stands under "Dicht"
-  EXPECT_TRUE(t.reverse(2, 24));
-  t.type(toets::Left, toets::Down);
-  EXPECT_EQ(t.row(4), "│ Openen │");
-  t.type(toets::Left);
-  EXPECT_EQ(t.row(4).find("Openen"), std::string::npos);
+  EXPECT_TRUE(t.type(toets::Right).reverse(2, 24));  // nothing stands under "Dicht"
+  EXPECT_EQ(t.type(toets::Left, toets::Down).row(4), "│ Openen │");
+  EXPECT_EQ(t.type(toets::Left).row(4).find("Openen"), std::string::npos);
   EXPECT_EQ(t.text(4, 23, 11), "│ Artikel │");
-  t.type(toets::Right, toets::Down, toets::Enter);
-  EXPECT_SHOWS(t, "Verder weg");
+  EXPECT_SHOWS(t.type(toets::Right, toets::Down, toets::Enter), "Verder weg");
   t.type(toets::Right);  // out of both boxes
   EXPECT_FALSE(t.shows("Verder weg") || t.shows("Openen"));
   EXPECT_SHOWS(t, "Artikel");
-  t.type(toets::Esc);
-  EXPECT_FALSE(t.shows("Artikel"));
+  EXPECT_FALSE(t.type(toets::Esc).shows("Artikel"));
   EXPECT_SHOWS(t, "Bestand");
-  t.type("b", "m", "v");
-  EXPECT_EQ(t.row(24), "1: 121");
+  EXPECT_EQ(t.type("b", "m", "v").row(24), "1: 121");
   EXPECT_FALSE(t.shows("Verder weg"));
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(24), "2: -1");
+  EXPECT_EQ(t.type(toets::Esc).row(24), "2: -1");
 }
 
 TEST(TrMenu, ItemsAreAskedAndChangedById) {
@@ -151,10 +134,8 @@ TEST(TrMenu, ALongBoxScrollsAndADeepOneStops) {
   });
   EXPECT_SHOWS(lang, "regel nummer 22 ");
   EXPECT_FALSE(lang.shows("regel nummer 23 "));
-  lang.type(toets::Up);
-  EXPECT_SHOWS(lang, "regel nummer 40 ");
-  lang.type(toets::Enter);
-  EXPECT_EQ(lang.text(24, 1, 6), "1: 40 ");
+  EXPECT_SHOWS(lang.type(toets::Up), "regel nummer 40 ");
+  EXPECT_EQ(lang.type(toets::Enter).text(24, 1, 6), "1: 40 ");
 
   Terminal diep = start_tr([] {
     TrMenu* const m = tr_menu_new(TR_BOX, 2, 2, 0, "diep");

@@ -84,108 +84,80 @@ TEST(VeldGetal, TypingReplacesAndUnderscoresGo) {
   Terminal t = getal<int32_t>("5l,ZP", 0);
   EXPECT_EQ(veld(t, 6), "_____ ");
   EXPECT_TRUE(t.bold(5, 10));
-  t.type("12");
-  EXPECT_EQ(veld(t, 6), "12___ ");
+  EXPECT_EQ(veld(t.type("12"), 6), "12___ ");
   EXPECT_EQ(t.cursor_col(), 12);
-  t.type(toets::Enter);
-  EXPECT_EQ(veld(t, 6), "12    ");
+  EXPECT_EQ(veld(t.type(toets::Enter), 6), "12    ");
   EXPECT_UIT(t, true, false, 10, "12");
 }
 
 TEST(VeldGetal, OldValueStaysWhenUntouchedAndZeroShowsWithZAndE) {
   Terminal t = getal<int32_t>("5l,EZP", 0);
   EXPECT_EQ(veld(t, 5), "0____");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, false, false, 10, "0");
+  EXPECT_UIT(t.type(toets::Enter), false, false, 10, "0");
   Terminal leeg = getal<int32_t>("5l,P", 7);
-  leeg.type(string(toets::Back) + toets::Enter);  // an empty number is 0, even without Z
-  EXPECT_UIT(leeg, true, true, 10, "0");
+  EXPECT_UIT(leeg.type(string(toets::Back) + toets::Enter), true, true, 10,
+             "0");  // an empty number is 0, even without Z
 }
 
 TEST(VeldGetal, RefusalsKeepTheTextAndTheNextCharacterReplacesIt) {
   Terminal t = getal<int16_t>("3d,P", 5, 0, 250);
-  t.type(string("300") + toets::Enter);
-  EXPECT_EQ(t.row(25), "<300> Alleen 1 t/m 250 mogelijk");
+  EXPECT_EQ(t.type(toets::in("300")).row(25), "<300> Alleen 1 t/m 250 mogelijk");
   EXPECT_EQ(veld(t, 3), "300");
   EXPECT_EQ(t.cursor_col(), 10);
-  t.type("0");
-  EXPECT_EQ(t.row(25), "");
+  EXPECT_EQ(t.type("0").row(25), "");
   EXPECT_EQ(veld(t, 3), "0__");
-  t.type(toets::Enter);
-  EXPECT_EQ(t.row(25), "<0> Moet ongelijk zijn aan 0");
-  t.type(string("25") + toets::Enter);
-  EXPECT_UIT(t, true, false, 10, "25");
+  EXPECT_EQ(t.type(toets::Enter).row(25), "<0> Moet ongelijk zijn aan 0");
+  EXPECT_UIT(t.type(toets::in("25")), true, false, 10, "25");
 }
 
 TEST(VeldGetal, DecimalsSignsAndBothPoints) {
   Terminal t = getal<double>("6.2f,EJNPZ", 0.0);
-  t.type(string("1,255") + toets::Enter);
-  EXPECT_EQ(t.row(25), "<1,255> Teveel cijfers na de komma");
-  t.type(string("-100") + toets::Enter);
-  EXPECT_EQ(t.row(25), "<-100> Alleen -99.99 t/m 999.99 mogelijk");
-  t.type(string("12,5-") + toets::Enter);
-  EXPECT_EQ(veld(t, 6), "-12.50");
+  EXPECT_EQ(t.type(toets::in("1,255")).row(25), "<1,255> Teveel cijfers na de komma");
+  EXPECT_EQ(t.type(toets::in("-100")).row(25), "<-100> Alleen -99.99 t/m 999.99 mogelijk");
+  EXPECT_EQ(veld(t.type(toets::in("12,5-")), 6), "-12.50");
   EXPECT_UIT(t, true, false, 10, "-12.5000");
   Terminal geen_min = getal<int32_t>("5l,ZP", 3);
-  geen_min.type("-");
-  EXPECT_EQ(geen_min.row(25), "<-> Ongeldige ingave!!  (HELP voor toelichting)");
+  EXPECT_EQ(geen_min.type("-").row(25), "<-> Ongeldige ingave!!  (HELP voor toelichting)");
   EXPECT_EQ(veld(geen_min, 5), "3____");
 }
 
 TEST(VeldGetal, AmountsAreHundredthsAndSmallVariablesKeepTheirWidth) {
   Terminal t = getal<int32_t>("8B,JEP", 1250);
   EXPECT_EQ(veld(t, 8), "12.50___");
-  t.type(string("3,07") + toets::Enter);
-  EXPECT_EQ(veld(t, 8), "    3.07");
+  EXPECT_EQ(veld(t.type(toets::in("3,07")), 8), "    3.07");
   EXPECT_UIT(t, true, false, 10, "307");
   Terminal n = getal<int8_t>("4n", 0);
-  n.type(string("128") + toets::Enter);
-  EXPECT_EQ(n.row(25), "<128> Alleen -128 t/m 127 mogelijk");
-  n.type(string("128-") + toets::Enter);
-  EXPECT_UIT(n, true, false, 10, "-128");
+  EXPECT_EQ(n.type(toets::in("128")).row(25), "<128> Alleen -128 t/m 127 mogelijk");
+  EXPECT_UIT(n.type(toets::in("128-")), true, false, 10, "-128");
 }
 
 TEST(VeldLoop, EscapeRestoresEverywhereAndCancelOnlyAtTheFront) {
   Terminal esc = tekst("6c", "oud", 6);
-  esc.type("nieuw", toets::Esc);
-  EXPECT_EQ(veld(esc, 6), "oud   ");
+  EXPECT_EQ(veld(esc.type("nieuw", toets::Esc), 6), "oud   ");
   EXPECT_UIT(esc, false, false, 27, "oud~~~");
 
-  Terminal voor = tekst("6c", "oud", 6);
-  voor.type(string("x") + toets::Home, toets::Cancel);
-  EXPECT_UIT(voor, false, false, TOETS_CANCEL, "oud~~~");
+  EXPECT_UIT(tekst("6c", "oud", 6).type(string("x") + toets::Home, toets::Cancel), false, false,
+             TOETS_CANCEL, "oud~~~");
 
   Terminal achter =
       tekst("6c", "oud", 6);  // behind a character: the text stays, first byte of the key
-  achter.type("x", toets::Cancel);
-  EXPECT_UIT(achter, true, false, 27, "x~~~~~");
+  EXPECT_UIT(achter.type("x", toets::Cancel), true, false, 27, "x~~~~~");
 
-  Terminal getal_half = getal<int32_t>("5l,P", 44);
-  getal_half.type("99", toets::Cancel);
-  EXPECT_UIT(getal_half, false, false, 27, "44");
+  EXPECT_UIT(getal<int32_t>("5l,P", 44).type("99", toets::Cancel), false, false, 27, "44");
 }
 
 TEST(VeldLoop, OtherExitKeysKeepTheTypedTextBehindTheFront) {
-  Terminal t = tekst("6c", "oud", 6);
-  t.type("ab", toets::F5);
-  EXPECT_UIT(t, true, false, 269, "ab~~~~");
-  Terminal voor = tekst("6c", "oud", 6);
-  voor.type(string("ab") + toets::Home + toets::F5);
-  EXPECT_UIT(voor, false, false, 269, "oud~~~");
-  Terminal niet = tekst("6c", "oud", 6);
-  niet.type(toets::F6);
-  EXPECT_EQ(niet.row(25), "Ongeldige toets");
+  EXPECT_UIT(tekst("6c", "oud", 6).type("ab", toets::F5), true, false, 269, "ab~~~~");
+  EXPECT_UIT(tekst("6c", "oud", 6).type(string("ab") + toets::Home + toets::F5), false, false, 269,
+             "oud~~~");
+  EXPECT_EQ(tekst("6c", "oud", 6).type(toets::F6).row(25), "Ongeldige toets");
 }
 
 TEST(VeldLoop, RequiredFieldsHoldTheCursorKeys) {
   Terminal t = getal<int32_t>("5l,EP", 0);
-  t.type(toets::Up);
-  EXPECT_EQ(t.row(25), "<> Ingave verplicht");
-  t.type(string("7") + toets::Home + toets::Up);
-  EXPECT_UIT(t, true, false, TOETS_UP, "7");
-  Terminal vrij = getal<int32_t>("5l,P", 0);
-  vrij.type(toets::Up);
-  EXPECT_UIT(vrij, false, true, TOETS_UP, "0");
+  EXPECT_EQ(t.type(toets::Up).row(25), "<> Ingave verplicht");
+  EXPECT_UIT(t.type(string("7") + toets::Home + toets::Up), true, false, TOETS_UP, "7");
+  EXPECT_UIT(getal<int32_t>("5l,P", 0).type(toets::Up), false, true, TOETS_UP, "0");
 }
 
 TEST(VeldLoop, SignalsAreKeys) {
@@ -196,214 +168,155 @@ TEST(VeldLoop, SignalsAreKeys) {
   EXPECT_EQ(veld(t, 6), "bc____");
   kill(t.pid(), SIGQUIT);
   EXPECT_TRUE(t.wait_for("EXIT-toets gebruikt"));
-  t.type(toets::Enter);
-  EXPECT_EQ(t.exit_status(), 1);
+  EXPECT_EQ(t.type(toets::Enter).exit_status(), 1);
 }
 
 TEST(VeldTekst, OverwriteInsertDeleteAndUndo) {
   Terminal t = tekst("6c", "abcd", 6);
-  t.type(string(toets::Right) + "X");
-  EXPECT_EQ(veld(t, 6), "aXcd__");
-  t.type(string(toets::Ins) + "YZQ");
-  EXPECT_EQ(veld(t, 6), "aXYZQc");  // cut at the field's length
-  t.type(string(toets::Back) + toets::Left + toets::Del);
-  EXPECT_EQ(veld(t, 6), "aXYc__");
+  EXPECT_EQ(veld(t.type(string(toets::Right) + "X"), 6), "aXcd__");
+  EXPECT_EQ(veld(t.type(string(toets::Ins) + "YZQ"), 6), "aXYZQc");  // cut at the field's length
+  EXPECT_EQ(veld(t.type(string(toets::Back) + toets::Left + toets::Del), 6), "aXYc__");
   EXPECT_EQ(t.cursor_col(), 13);
-  t.type(string(toets::End) + "!" + toets::Home);
-  EXPECT_EQ(veld(t, 6), "aXYc!_");
-  t.type(toets::Home);
-  EXPECT_EQ(veld(t, 6), "abcd__");
-  t.type(string(toets::Ins) + "z");  // behind the undo nothing is replaced any more
-  EXPECT_EQ(veld(t, 6), "zbcd__");
-  t.type(string(toets::Home) + toets::Back);
-  EXPECT_EQ(veld(t, 6), "______");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, true, true, 10, "~~~~~~");
+  EXPECT_EQ(veld(t.type(string(toets::End) + "!" + toets::Home), 6), "aXYc!_");
+  EXPECT_EQ(veld(t.type(toets::Home), 6), "abcd__");
+  EXPECT_EQ(veld(t.type(string(toets::Ins) + "z"), 6),
+            "zbcd__");  // behind the undo nothing is replaced any more
+  EXPECT_EQ(veld(t.type(string(toets::Home) + toets::Back), 6), "______");
+  EXPECT_UIT(t.type(toets::Enter), true, true, 10, "~~~~~~");
 }
 
 TEST(VeldTekst, TheEndOfAFieldWaitsForEnterUnlessAutomatic) {
   Terminal t = tekst("3c", "", 3);
-  t.type("abcd");
-  EXPECT_EQ(t.row(25), "Tik <ENTER> toets");
+  EXPECT_EQ(t.type("abcd").row(25), "Tik <ENTER> toets");
   EXPECT_EQ(veld(t, 4), "abc ");
   Terminal a = tekst("2s[0123],AF", "", 2);
-  a.type("1x");
-  EXPECT_EQ(a.row(25), "<x> Ongeldige ingave!!  (HELP voor toelichting)");
-  a.type(toets::Enter);
-  EXPECT_EQ(a.row(25), "<1> Volledig vullen");
-  a.type("32");
-  EXPECT_UIT(a, true, false, 10, "32");
+  EXPECT_EQ(a.type("1x").row(25), "<x> Ongeldige ingave!!  (HELP voor toelichting)");
+  EXPECT_EQ(a.type(toets::Enter).row(25), "<1> Volledig vullen");
+  EXPECT_UIT(a.type("32"), true, false, 10, "32");
 }
 
 TEST(VeldTekst, AnAutomaticEnterIsCheckedOnceAndDoesNotRepeat) {
   Terminal t = getal<int16_t>("1d,IEPA", 0, 2, 5);
-  t.type("9");
-  EXPECT_EQ(t.row(25), "<9> Alleen 2 t/m 5 mogelijk");
+  EXPECT_EQ(t.type("9").row(25), "<9> Alleen 2 t/m 5 mogelijk");
   EXPECT_EQ(t.cursor_col(), 10);
-  t.type("3");
-  EXPECT_UIT(t, true, false, 10, "3");
+  EXPECT_UIT(t.type("3"), true, false, 10, "3");
   Terminal vol = tekst("3c,A", "abc", 3);
-  vol.type(toets::End);  // standing behind the last place is enough
-  EXPECT_UIT(vol, false, false, 10, "abc");
+  EXPECT_UIT(vol.type(toets::End), false, false, 10,
+             "abc");  // standing behind the last place is enough
 }
 
 TEST(VeldTekst, BlanksUpperCasePaddingAndHiding) {
-  Terminal een = tekst("1c", "x", 1);
-  een.type(string(" ") + toets::Enter);
-  EXPECT_UIT(een, true, false, 10, " ");
+  EXPECT_UIT(tekst("1c", "x", 1).type(toets::in(" ")), true, false, 10, " ");
   Terminal hoog = tekst("4s,U", "", 4);
-  hoog.type(string("aé") + toets::Enter);
-  EXPECT_EQ(veld(hoog, 4), "AÉ  ");
+  EXPECT_EQ(veld(hoog.type(toets::in("aé")), 4), "AÉ  ");
   Terminal rechts = tekst("3c,JI", "12", 3);
   EXPECT_EQ(veld(rechts, 3), "___");
-  rechts.type(string("38") + toets::Enter);
-  EXPECT_EQ(veld(rechts, 3), " 38");
+  EXPECT_EQ(veld(rechts.type(toets::in("38")), 3), " 38");
   EXPECT_UIT(rechts, true, false, 10, " 38");
   Terminal geheim = tekst("8s,SEF", "", 8);
-  geheim.type("pas");
-  EXPECT_EQ(veld(geheim, 8), "________");
+  EXPECT_EQ(veld(geheim.type("pas"), 8), "________");
   EXPECT_EQ(geheim.cursor_col(), 13);
-  geheim.type(toets::Enter);
-  EXPECT_EQ(geheim.row(25), "<> Volledig vullen");
-  geheim.type(string("geheim12") + toets::Enter);
-  EXPECT_EQ(veld(geheim, 8), "        ");
+  EXPECT_EQ(geheim.type(toets::Enter).row(25), "<> Volledig vullen");
+  EXPECT_EQ(veld(geheim.type(toets::in("geheim12")), 8), "        ");
   EXPECT_UIT(geheim, true, false, 10, "geheim12");
 }
 
 TEST(VeldTekst, HexadecimalTakesKeysAsDigits) {
   Terminal t = tekst("6x", "", 6);
-  t.type("4a\\A");
-  EXPECT_EQ(veld(t, 6), "4A41__");
-  t.type("0\\");
-  EXPECT_EQ(t.row(25), "<\\> Ongeldige ingave!!  (HELP voor toelichting)");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, true, false, 10, "4A410~");
+  EXPECT_EQ(veld(t.type("4a\\A"), 6), "4A41__");
+  EXPECT_EQ(t.type("0\\").row(25), "<\\> Ongeldige ingave!!  (HELP voor toelichting)");
+  EXPECT_UIT(t.type(toets::Enter), true, false, 10, "4A410~");
 }
 
 TEST(VeldTekst, AScrollingFieldFollowsItsCursor) {
   Terminal t = tekst("20.6C", "abcdefghij", 20);
   EXPECT_EQ(t.text(5, 9, 8), " abcdef→");
-  t.type(toets::End);
-  EXPECT_EQ(t.text(5, 9, 8), "←ghij__ ");
+  EXPECT_EQ(t.type(toets::End).text(5, 9, 8), "←ghij__ ");
   EXPECT_EQ(t.cursor_col(), 14);
-  t.type(string(toets::Left) + toets::Left + toets::Left + toets::Left);
-  EXPECT_EQ(t.text(5, 9, 8), "←efghij ");
-  t.type(toets::Home);
-  EXPECT_EQ(t.text(5, 9, 8), " abcdef→");
-  t.type(string(toets::End) + "klmnopqrst");
-  EXPECT_EQ(t.text(5, 9, 8), "←opqrst ");
-  t.type(toets::Enter);
-  EXPECT_EQ(t.text(5, 9, 8), " abcdef ");
+  EXPECT_EQ(t.type(string(toets::Left) + toets::Left + toets::Left + toets::Left).text(5, 9, 8),
+            "←efghij ");
+  EXPECT_EQ(t.type(toets::Home).text(5, 9, 8), " abcdef→");
+  EXPECT_EQ(t.type(string(toets::End) + "klmnopqrst").text(5, 9, 8), "←opqrst ");
+  EXPECT_EQ(t.type(toets::Enter).text(5, 9, 8), " abcdef ");
   EXPECT_UIT(t, true, false, 10, "abcdefghijklmnopqrst");
   Terminal nul = tekst("5C", "ab", 5);
   EXPECT_EQ(veld(nul, 5), "     ");
-  nul.type(string("xyz") + toets::Enter);
-  EXPECT_UIT(nul, true, false, 10, "xyz~~");
+  EXPECT_UIT(nul.type(toets::in("xyz")), true, false, 10, "xyz~~");
 }
 
 TEST(VeldDatum, TemplateKeepsItsSeparators) {
   Terminal t = datum("10D", "");
   EXPECT_EQ(veld(t, 10), "__-__-____");
-  t.type("1-");
-  EXPECT_EQ(veld(t, 10), "01-__-____");
+  EXPECT_EQ(veld(t.type("1-"), 10), "01-__-____");
   EXPECT_EQ(t.cursor_col(), 13);
-  t.type("3-2026");
-  EXPECT_EQ(veld(t, 10), "01-03-2026");
-  t.type(string(toets::Home) + toets::Del);
-  EXPECT_EQ(veld(t, 10), "1_-03-2026");
-  t.type(toets::Enter);
-  EXPECT_EQ(veld(t, 10), "01-03-2026");
+  EXPECT_EQ(veld(t.type("3-2026"), 10), "01-03-2026");
+  EXPECT_EQ(veld(t.type(string(toets::Home) + toets::Del), 10), "1_-03-2026");
+  EXPECT_EQ(veld(t.type(toets::Enter), 10), "01-03-2026");
   EXPECT_UIT(t, true, false, 10, "01032026");
 }
 
 TEST(VeldDatum, DeleteAndBackspaceStepOverTheSeparators) {
   Terminal t = datum("8D", "12032026");
   EXPECT_EQ(veld(t, 8), "12-03-26");
-  t.type(string(toets::Right) + toets::Right + toets::Back);
-  EXPECT_EQ(veld(t, 8), "1_-03-26");
+  EXPECT_EQ(veld(t.type(string(toets::Right) + toets::Right + toets::Back), 8), "1_-03-26");
   EXPECT_EQ(t.cursor_col(), 11);
-  t.type("5");
-  EXPECT_EQ(veld(t, 8), "15-03-26");
-  t.type(string(toets::End) + toets::Back + toets::Back + toets::Back);
-  EXPECT_EQ(veld(t, 8), "15-0_-__");
-  t.type("4", "27");
-  EXPECT_EQ(veld(t, 8), "15-04-27");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, true, false, 10, "15042027");
+  EXPECT_EQ(veld(t.type("5"), 8), "15-03-26");
+  EXPECT_EQ(veld(t.type(string(toets::End) + toets::Back + toets::Back + toets::Back), 8),
+            "15-0_-__");
+  EXPECT_EQ(veld(t.type("4", "27"), 8), "15-04-27");
+  EXPECT_UIT(t.type(toets::Enter), true, false, 10, "15042027");
 }
 
 TEST(VeldDatum, CountingFromTheDateThatStands) {
   Terminal t = datum("8D", "28022026");
-  t.type(string("+7") + toets::Enter);
-  EXPECT_EQ(veld(t, 8), "07-03-26");
+  EXPECT_EQ(veld(t.type(toets::in("+7")), 8), "07-03-26");
   EXPECT_UIT(t, true, false, 10, "07032026");
   Terminal terug = datum("D", "01032026");
-  terug.type(string("-1") + toets::Enter);
-  EXPECT_EQ(veld(terug, 6), "280226");
+  EXPECT_EQ(veld(terug.type(toets::in("-1")), 6), "280226");
   Terminal leeg = datum("D,I", "01032026");  // empty, but it may count: from day 0
-  leeg.type(string("+7") + toets::Enter);
-  EXPECT_EQ(leeg.row(25), "<+7> Alleen datum tussen 01-01-1980 en 31-12-2050");
-  Terminal nul = datum("D,IE", "01032026");
-  nul.type(string("+0") + toets::Enter);
-  EXPECT_EQ(nul.row(25), "<+0> Foutieve ingave");
-  Terminal geen = datum("D", "");
-  geen.type("+");
-  EXPECT_EQ(geen.row(25), "<+> Ongeldige ingave!!  (HELP voor toelichting)");
+  EXPECT_EQ(leeg.type(toets::in("+7")).row(25),
+            "<+7> Alleen datum tussen 01-01-1980 en 31-12-2050");
+  EXPECT_EQ(datum("D,IE", "01032026").type(toets::in("+0")).row(25), "<+0> Foutieve ingave");
+  EXPECT_EQ(datum("D", "").type("+").row(25), "<+> Ongeldige ingave!!  (HELP voor toelichting)");
 }
 
 TEST(VeldDatum, RefusalsBringTheOldDateBack) {
   Terminal t = datum("8D", "12032026");
-  t.type(string("31-02") + toets::Enter);
-  EXPECT_EQ(t.row(25), "<31-02-26> Datum voldoet niet aan DD-MM-JJ");
+  EXPECT_EQ(t.type(toets::in("31-02")).row(25), "<31-02-26> Datum voldoet niet aan DD-MM-JJ");
   EXPECT_EQ(veld(t, 8), "12-03-26");
-  t.type(string("01-01-79") + toets::Enter);
-  EXPECT_EQ(t.row(25), "<01-01-79> Alleen datum tussen 01-01-1980 en 31-12-2050");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, false, false, 10, "12032026");
+  EXPECT_EQ(t.type(toets::in("01-01-79")).row(25),
+            "<01-01-79> Alleen datum tussen 01-01-1980 en 31-12-2050");
+  EXPECT_UIT(t.type(toets::Enter), false, false, 10, "12032026");
   Terminal kort = datum("D,F", "");
-  kort.type(string("1203") + toets::Enter);
-  EXPECT_EQ(kort.row(25), "<1203> Datum voldoet niet aan DDMMJJ");
+  EXPECT_EQ(kort.type(toets::in("1203")).row(25), "<1203> Datum voldoet niet aan DDMMJJ");
   EXPECT_EQ(veld(kort, 6), "______");
-  Terminal lang = datum("10D", "", 40000, 50000);
-  lang.type(string("01022079") + toets::Enter);
-  EXPECT_EQ(lang.row(25), "<01-02-2079> Alleen datum tussen 06-07-2009 en 21-11-2036");
-  Terminal vrij = datum("D", "", 0, 0);
-  vrij.type(string("010160") + toets::Enter);
-  EXPECT_UIT(vrij, true, false, 10, "01011960");
-  Terminal niets = datum("D,", "");
-  niets.type(toets::Enter);
-  EXPECT_UIT(niets, false, true, 10, "        ");
+  EXPECT_EQ(datum("10D", "", 40000, 50000).type(toets::in("01022079")).row(25),
+            "<01-02-2079> Alleen datum tussen 06-07-2009 en 21-11-2036");
+  EXPECT_UIT(datum("D", "", 0, 0).type(toets::in("010160")), true, false, 10, "01011960");
+  EXPECT_UIT(datum("D,", "").type(toets::Enter), false, true, 10, "        ");
 }
 
 TEST(VeldHulp, TellsWhatTheFieldTakes) {
   Terminal t = getal<double>("6.2f,EP", 1.5, 0, 250);
-  t.type(toets::F1);
-  EXPECT_SHOWS(t, " Ingave HELP-informatie ", "Er wordt ingave van een getal verwacht",
+  EXPECT_SHOWS(t.type(toets::F1), " Ingave HELP-informatie ",
+               "Er wordt ingave van een getal verwacht",
                "U moet 6 posities vullen, waarvan 2 cijfers na de komma", "Alle cijfers toegestaan",
                "De volgende functietoetsen zijn toe te passen :", "Cursor Up, CANCEL", "F5",
                "Bereik 0.01 t/m 250.00", "<ENTER> voor vervolg _");
-  t.type("x");
-  EXPECT_EQ(t.row(25), "Ongeldige ingave");
-  t.type(toets::Enter);
-  EXPECT_FALSE(t.shows("HELP-informatie"));
+  EXPECT_EQ(t.type("x").row(25), "Ongeldige ingave");
+  EXPECT_FALSE(t.type(toets::Enter).shows("HELP-informatie"));
   EXPECT_EQ(veld(t, 6), "1.50__");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, false, false, 10, "1.5000");
+  EXPECT_UIT(t.type(toets::Enter), false, false, 10, "1.5000");
   Terminal verzameling = tekst("1c[^.,]", "", 1);
-  verzameling.type(toets::F1);
-  EXPECT_SHOWS(verzameling, ". , niet toegestaan");
+  EXPECT_SHOWS(verzameling.type(toets::F1), ". , niet toegestaan");
 }
 
 TEST(VeldHulp, ComposesACharacter) {
   Terminal t = tekst("6c", "", 6);
-  t.type(string("a") + toets::F11);
-  EXPECT_EQ(t.text(5, 10, 6), "┌────┐");
-  t.type(string("e'") + toets::Enter);
-  EXPECT_EQ(veld(t, 6), "aé____");
-  t.type(string(toets::F11) + "135" + toets::Enter);
-  EXPECT_EQ(veld(t, 6), "aéç___");
-  t.type(string(toets::F11) + "qq" + toets::Enter);
-  EXPECT_EQ(t.row(25), "Ongeldige toets");
+  EXPECT_EQ(t.type(string("a") + toets::F11).text(5, 10, 6), "┌────┐");
+  EXPECT_EQ(veld(t.type(toets::in("e'")), 6), "aé____");
+  EXPECT_EQ(veld(t.type(string(toets::F11) + "135" + toets::Enter), 6), "aéç___");
+  EXPECT_EQ(t.type(string(toets::F11) + "qq" + toets::Enter).row(25), "Ongeldige toets");
 }
 
 TEST(VeldFout, ABadFormatEndsTheProgram) {
@@ -419,8 +332,7 @@ TEST(VeldFout, ABadFormatEndsTheProgram) {
       INGAVE(3, 20, formaat.c_str(), &K_CANCEL, &v[0]);
     });
     EXPECT_SHOWS(t, "INGAVE(): r=3, c=20, cs=" + formaat + " --> " + rij.reden);
-    t.type(toets::Enter);
-    EXPECT_EQ(t.exit_status(), 1);
+    EXPECT_EQ(t.type(toets::Enter).exit_status(), 1);
   }
 }
 
@@ -438,12 +350,10 @@ TEST(VeldStaat, WhatACallerSetsCountsOnceAndIsKeptOverAScreenInBetween) {
     INGAVE(6, 10, "4l,P", &v);
     uitslag(key_allowed('?'), str_format("%ld %ld", v, ander));
   });
-  t.type(string("900") + toets::Enter, string("9") + toets::Enter);
-  EXPECT_EQ(t.row(25), "<9> Alleen 3 t/m 5 mogelijk");
-  t.type(string("4") + toets::Enter, "9?");
-  EXPECT_EQ(t.row(25), "<?> Ongeldige ingave!!  (HELP voor toelichting)");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, false, false, 10, "9 900");
+  EXPECT_EQ(t.type(toets::in("900"), toets::in("9")).row(25), "<9> Alleen 3 t/m 5 mogelijk");
+  EXPECT_EQ(t.type(toets::in("4"), "9?").row(25),
+            "<?> Ongeldige ingave!!  (HELP voor toelichting)");
+  EXPECT_UIT(t.type(toets::Enter), false, false, 10, "9 900");
 }
 
 /// Fields of every letter, one after the other, each with guard bytes behind its variable; row 9
@@ -529,26 +439,21 @@ TEST(Vraag, YesNoAndKeys) {
   };
   Terminal t = vraag("[+]");
   EXPECT_EQ(t.text(5, 10, 18), "Akkoord? (J/N) J  ");
-  t.type(toets::Enter);
-  EXPECT_UIT(t, true, false, 10, "");
+  EXPECT_UIT(t.type(toets::Enter), true, false, 10, "");
   Terminal nee = vraag("[-],Stoppen");
   EXPECT_EQ(nee.text(5, 10, 18), "Stoppen? (J/N) N  ");
-  nee.type(string("+") + toets::Enter);
-  EXPECT_UIT(nee, true, false, 10, "");
+  EXPECT_UIT(nee.type(toets::in("+")), true, false, 10, "");
   Terminal open = vraag("Stoppen");
   EXPECT_EQ(open.text(5, 10, 18), "Stoppen? (J/N) _  ");
-  open.type(toets::Enter);
-  EXPECT_EQ(open.row(25), "<> Ingave verplicht");
-  open.type(string("j") + toets::Esc);
-  EXPECT_UIT(open, false, false, 27, "");
+  EXPECT_EQ(open.type(toets::Enter).row(25), "<> Ingave verplicht");
+  EXPECT_UIT(open.type(string("j") + toets::Esc), false, false, 27, "");
 
   Terminal toets = scherm([] {
     const int k = scr_getkey("ab", &K_F5, &K_CANCEL);
     uitslag(false, als_tekst(k));
   });
   EXPECT_FALSE(toets.cursor_visible());
-  toets.type(string("x") + toets::F5);
-  EXPECT_UIT(toets, false, true, 269, "269");
+  EXPECT_UIT(toets.type(string("x") + toets::F5), false, true, 269, "269");
 }
 
 }  // namespace

@@ -105,68 +105,49 @@ TEST(Voorbeeld, ScreensOfAPageKeepTheHeadLine) {
   EXPECT_FALSE(k.t.reverse(2, 1));
   EXPECT_EQ(k.t.row(24), "blad 1 regel 24 \u00e9");
   EXPECT_EQ(k.t.row(25), "(blad 1 van 3)");
-  k.t.type(toets::Enter);
-  EXPECT_EQ(k.t.row(1), "Kop van blad 1");
+  EXPECT_EQ(k.t.type(toets::Enter).row(1), "Kop van blad 1");
   EXPECT_EQ(k.t.row(2), "blad 1 regel 25 \u00e9");
   EXPECT_EQ(k.t.row(7), "blad 1 regel 30 \u00e9");
   EXPECT_EQ(k.t.row(8), "");
-  k.t.type(toets::Enter);
-  EXPECT_EQ(k.t.row(1), "Kop van blad 2");
+  EXPECT_EQ(k.t.type(toets::Enter).row(1), "Kop van blad 2");
   EXPECT_EQ(k.t.row(24), "blad 2 regel 24 \u00e9");
-  k.t.type("e");  // the letter of the same item
-  EXPECT_EQ(k.t.row(2), "blad 2 regel 25 \u00e9");
+  EXPECT_EQ(k.t.type("e").row(2), "blad 2 regel 25 \u00e9");  // the letter of the same item
 }
 
 TEST(Voorbeeld, PagesByKeyAndByNumber) {
   Kijk k;
-  k.t.type(toets::PgDn);
-  EXPECT_EQ(k.t.row(1), "Kop van blad 2");
-  k.t.type(toets::End);
-  EXPECT_EQ(k.t.row(1), "Kop van blad 3");
+  EXPECT_EQ(k.t.type(toets::PgDn).row(1), "Kop van blad 2");
+  EXPECT_EQ(k.t.type(toets::End).row(1), "Kop van blad 3");
   EXPECT_EQ(k.t.row(25), "(blad 3 van 3)");
-  k.t.type(toets::PgDn);  // nothing behind the last
-  EXPECT_EQ(k.t.row(1), "Kop van blad 3");
-  k.t.type(toets::Enter);
-  EXPECT_EQ(k.t.row(25), "Einde overzicht (blad 3 van 3)");
+  EXPECT_EQ(k.t.type(toets::PgDn).row(1), "Kop van blad 3");  // nothing behind the last
+  EXPECT_EQ(k.t.type(toets::Enter).row(25), "Einde overzicht (blad 3 van 3)");
   EXPECT_TRUE(k.t.reverse(25, 1));
   EXPECT_FALSE(k.t.reverse(25, 17));
-  k.t.type(toets::F6);
-  EXPECT_SHOWS(k.t, "GA NAAR BLAD");
-  k.t.type("2\r");
-  EXPECT_EQ(k.t.row(1), "Kop van blad 2");
-  k.t.type(toets::Home);
-  EXPECT_EQ(k.t.row(1), "Kop van blad 1");
-  k.t.type("s9\r");  // there is no such page: the walk ends at the last
-  EXPECT_EQ(k.t.row(1), "Kop van blad 3");
-  k.t.type(std::string("s") + toets::Esc);
-  EXPECT_EQ(k.t.row(1), "Kop van blad 3");
+  EXPECT_SHOWS(k.t.type(toets::F6), "GA NAAR BLAD");
+  EXPECT_EQ(k.t.type("2\r").row(1), "Kop van blad 2");
+  EXPECT_EQ(k.t.type(toets::Home).row(1), "Kop van blad 1");
+  EXPECT_EQ(k.t.type("s9\r").row(1),
+            "Kop van blad 3");  // there is no such page: the walk ends at the last
+  EXPECT_EQ(k.t.type(std::string("s") + toets::Esc).row(1), "Kop van blad 3");
 }
 
 TEST(Voorbeeld, HeadLinesAreTheOperators) {
   Kijk k;
-  k.t.type("k");
-  EXPECT_SHOWS(k.t, "Kopregels");
-  k.t.type("3\r");
-  EXPECT_TRUE(k.t.reverse(3, 1));
+  EXPECT_SHOWS(k.t.type("k"), "Kopregels");
+  EXPECT_TRUE(k.t.type("3\r").reverse(3, 1));
   EXPECT_FALSE(k.t.reverse(4, 1));
-  k.t.type(toets::Enter);
-  EXPECT_EQ(k.t.row(3), "blad 1 regel 03 \u00e9");
+  EXPECT_EQ(k.t.type(toets::Enter).row(3), "blad 1 regel 03 \u00e9");
   EXPECT_EQ(k.t.row(4), "blad 1 regel 25 \u00e9");
-  k.t.type("z");  // no key of the menu: it shows itself
-  EXPECT_SHOWS(k.t, "Kopregels (3)");
+  EXPECT_SHOWS(k.t.type("z"), "Kopregels (3)");  // no key of the menu: it shows itself
 }
 
 TEST(Voorbeeld, AWideReportScrollsOnANarrowTerminal) {
   Kijk k({132, 1, 5, "uit.lst"});
   EXPECT_EQ(k.t.row(2), "blad 1 regel 02 \u00e9");
-  k.t.type(toets::Right);
-  EXPECT_TRUE(k.t.row(2).ends_with("rechts 2")) << k.t.screen();
-  k.t.type(toets::Left);
-  EXPECT_EQ(k.t.row(2), "blad 1 regel 02 \u00e9");
-  k.t.type("i");
-  EXPECT_SHOWS(k.t, "INGAVE SCROLL LENGTE", "Aantal posities");
-  k.t.type("5\r", "r");
-  EXPECT_EQ(k.t.row(2), "1 regel 02 \u00e9");
+  EXPECT_TRUE(k.t.type(toets::Right).row(2).ends_with("rechts 2")) << k.t.screen();
+  EXPECT_EQ(k.t.type(toets::Left).row(2), "blad 1 regel 02 \u00e9");
+  EXPECT_SHOWS(k.t.type("i"), "INGAVE SCROLL LENGTE", "Aantal posities");
+  EXPECT_EQ(k.t.type("5\r", "r").row(2), "1 regel 02 \u00e9");
 }
 
 TEST(Voorbeeld, AWideReportOnAWideTerminalStandsThereWhole) {
@@ -181,8 +162,7 @@ TEST(Voorbeeld, AWideReportOnAWideTerminalStandsThereWhole) {
 
 TEST(Voorbeeld, PrintGoesOnWithTheCopies) {
   Kijk k({80, 1, 2, "uit.lst"});
-  k.t.type("A");
-  EXPECT_SHOWS(k.t, "Aantal Afdrukken");
+  EXPECT_SHOWS(k.t.type("A"), "Aantal Afdrukken");
   k.t.type("2\r", "p");
   EXPECT_EQ(k.klaar(), "0");
   const std::string blad = "Kop van blad 1\nblad 1 regel 02 \x82\n\f";
@@ -203,8 +183,7 @@ TEST(Voorbeeld, LeavingPrintsNothingAndLeavesNothing) {
 
 TEST(Voorbeeld, WhatLeadsNowhereIsDisabled) {
   Kijk k({80, 1, 2, "/dev/null"});
-  k.t.type("p");
-  EXPECT_EQ(k.t.row(1), "Kop van blad 1");
+  EXPECT_EQ(k.t.type("p").row(1), "Kop van blad 1");
   k.t.type("a");  // a small a is no key of the menu
   EXPECT_ROWS(k.t, 4, R"(
                                                      ┌───────PrintMenu────────┐
@@ -225,8 +204,7 @@ TEST(Voorbeeld, WhatLeadsNowhereIsDisabled) {
                                                      │ Niet printen           │
                                                      └────────────────────────┘
 )");
-  k.t.type("p");
-  EXPECT_SHOWS(k.t, "PrintMenu");
+  EXPECT_SHOWS(k.t.type("p"), "PrintMenu");
   k.t.type("n");
   EXPECT_EQ(k.klaar(), "355");
 }

@@ -391,10 +391,8 @@ TEST(WinkelTerminal, LogsInWithoutAQuestion) {
   Terminal t = start({BUILD_DIR "/tools/winkel", "terminal", "-C", k.pad, "--gebruiker", "DEMO"},
                      {.env = {"BIN=" BUILD_DIR}});
   EXPECT_SHOWS(t, "Voorraadbeheer", "Van Aerden Mode");
-  t.type("1");
-  EXPECT_SHOWS(t, "Selectie en afdrukken");
-  t.type(toets::Esc);
-  EXPECT_SHOWS(t, "Hoofdmenu");
+  EXPECT_SHOWS(t.type("1"), "Selectie en afdrukken");
+  EXPECT_SHOWS(t.type(toets::Esc), "Hoofdmenu");
   const TerminalRec rec = terminal(k.pad, 1);
   EXPECT_EQ(rec.status, 1);
   EXPECT_EQ(veld_tekst(rec.programma, 10), "hoofdmnu");
@@ -402,8 +400,7 @@ TEST(WinkelTerminal, LogsInWithoutAQuestion) {
   const Uitkomst bezet = winkel("terminal -C " + k.pad + " --gebruiker DEMO");
   EXPECT_EQ(bezet.status, 1);
   EXPECT_NE(bezet.tekst.find("DEMO: is al aangemeld"), std::string::npos) << bezet.tekst;
-  t.type(toets::Esc);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type(toets::Esc).exit_status(), 0);
   EXPECT_EQ(terminal(k.pad, 1).status, 0);
 }
 
@@ -414,14 +411,11 @@ TEST(WinkelTerminal, AFrameForASmallWindow) {
   const std::vector<std::string> opdracht = {
       BUILD_DIR "/tools/winkel", "terminal", "-C", k.pad, "--gebruiker", "DEMO"};
   Terminal zonder = start(opdracht, {.env = env, .rows = 24});
-  zonder.type("N\r");
-  EXPECT_SHOWS(zonder, "Voorraadbeheer");
-  zonder.type(toets::Esc);
-  EXPECT_EQ(zonder.exit_status(), 0);
+  EXPECT_SHOWS(zonder.type("N\r"), "Voorraadbeheer");
+  EXPECT_EQ(zonder.type(toets::Esc).exit_status(), 0);
   if (std::system("command -v tmux >/dev/null") != 0) GTEST_SKIP() << "no tmux";
   Terminal met = start(opdracht, {.env = env, .rows = 24});
-  met.type("J\r");
-  EXPECT_TRUE(met.wait_for("Voorraadbeheer"));
+  EXPECT_TRUE(met.type("J\r").wait_for("Voorraadbeheer"));
   EXPECT_EQ(terminal(k.pad, 1).status, 1);
   met.type_now(toets::Esc);
   EXPECT_EQ(met.exit_status(), 0);

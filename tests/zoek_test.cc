@@ -109,12 +109,9 @@ struct ZoekMerk : Zoek {
 TEST_F(ZoekMerk, ANumberOrTheOnlySearchNameIsTaken) {
   Terminal t = veld(3);
   EXPECT_EQ(t.text(3, 10, 4), "5___");
-  t.type(in("7"));
-  EXPECT_EQ(t.text(3, 10, 4), "7___");
-  t.type(in("k"));
-  EXPECT_EQ(t.text(3, 10, 4), "40__");
-  t.type(Enter);
-  EXPECT_EQ(t.text(3, 10, 4), "  40");
+  EXPECT_EQ(t.type(in("7")).text(3, 10, 4), "7___");
+  EXPECT_EQ(t.type(in("k")).text(3, 10, 4), "40__");
+  EXPECT_EQ(t.type(Enter).text(3, 10, 4), "  40");
   EXPECT_EQ(t.row(22), "n1 nr7 anders/n1 nr40 anders/n1 nr40 / 40");
 }
 
@@ -127,45 +124,35 @@ TEST_F(ZoekMerk, EmptyIsNoBrandAndCancelChangesNothing) {
   u.type(std::string("12") + Esc);
   EXPECT_TRUE(u.row(22).starts_with("n2 nr7 weg/ 5 7")) << u.row(22);
   Terminal v = veld(1, 0, "E");
-  v.type(Enter);
-  EXPECT_SHOWS(v, "Ingave verplicht");
+  EXPECT_SHOWS(v.type(Enter), "Ingave verplicht");
 }
 
 TEST_F(ZoekMerk, SeveralNamesOrAnUnknownNumberOpenTheListAtTheNearest) {
   Terminal t = veld(2);
-  t.type(in("du"));
-  EXPECT_SHOWS(t, " selecteren merk(en) ");
+  EXPECT_SHOWS(t.type(in("du")), " selecteren merk(en) ");
   EXPECT_EQ(t.text(4, 46, 30), " mkzn merknr merknaam         ") << t.screen();
   EXPECT_EQ(t.text(5, 46, 30), " DUIM  123   Aardappel        ");
   EXPECT_TRUE(t.reverse(5, 47));
   EXPECT_SHOWS(t, "Zoeknaam ____", "→ 2│");
-  t.type(Esc);
-  EXPECT_EQ(t.cursor_row(), 3);  // the field again, as it was
-  t.type(in("zz"));              // behind all search names: the last
-  EXPECT_TRUE(t.reverse(5, 47));
+  EXPECT_EQ(t.type(Esc).cursor_row(), 3);        // the field again, as it was
+  EXPECT_TRUE(t.type(in("zz")).reverse(5, 47));  // behind all search names: the last
   EXPECT_EQ(t.text(5, 47, 10), "ZILT    7 ");
-  t.type(Esc, in("123"), in("9"));
-  EXPECT_EQ(t.text(5, 46, 10), "→DUIM  123");
+  EXPECT_EQ(t.type(Esc, in("123"), in("9")).text(5, 46, 10), "→DUIM  123");
   t.type(Esc, Esc);
   EXPECT_TRUE(t.row(22).starts_with("n1 nr123 anders/n1 nr123 weg/ 123")) << t.row(22);
 }
 
 TEST_F(ZoekMerk, TheListStartsWithTheChoiceMarkedAndTakesMarksEnterAndAll) {
   Terminal t = veld(3);
-  t.type(F5);  // at the present brand, 5 and 7 marked
-  EXPECT_EQ(t.text(5, 46, 10), "→DUIN    5");
+  EXPECT_EQ(t.type(F5).text(5, 46, 10), "→DUIN    5");  // at the present brand, 5 and 7 marked
   EXPECT_EQ(t.text(6, 46, 6), " KAAP ");
   EXPECT_EQ(t.text(7, 46, 10), "→ZILT    7");
-  t.type(Enter);  // with marks Enter does nothing
-  EXPECT_SHOWS(t, "Zoeknaam ____");
-  t.type(F7);  // 5 off, down to 40
-  t.type(F7);  // 40 on
-  t.type(F3);
-  EXPECT_EQ(t.text(3, 10, 4), "7___");
-  t.type(F5, F10, Enter, F5, F10, F6);
-  EXPECT_SHOWS(t, " *-0");
-  t.type(F3);
-  EXPECT_EQ(t.row(22), "n2 nr7 anders/n1 nr7 /n0 nr0 anders/");
+  EXPECT_SHOWS(t.type(Enter), "Zoeknaam ____");  // with marks Enter does nothing
+  t.type(F7);                                    // 5 off, down to 40
+  t.type(F7);                                    // 40 on
+  EXPECT_EQ(t.type(F3).text(3, 10, 4), "7___");
+  EXPECT_SHOWS(t.type(F5, F10, Enter, F5, F10, F6), " *-0");
+  EXPECT_EQ(t.type(F3).row(22), "n2 nr7 anders/n1 nr7 /n0 nr0 anders/");
 }
 
 TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
@@ -173,20 +160,19 @@ TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
   t.type(F5, F10);
   t.type(F7);  // 5
   t.type(F6);
-  t.type(Tab);  // by name: the record under the cursor, 40, on top
-  EXPECT_EQ(t.text(4, 46, 33), " merknaam             mkzn merknr");
+  EXPECT_EQ(
+      t.type(Tab).text(4, 46, 33),
+      " merknaam             mkzn merknr");  // by name: the record under the cursor, 40, on top
   EXPECT_EQ(t.text(5, 47, 31), "Kaap Veertig         KAAP   40 ");
   EXPECT_SHOWS(t, "Naam __________");
-  t.type(Tab);
-  EXPECT_EQ(t.text(4, 46, 33), " merknr merknaam             mkzn");
+  EXPECT_EQ(t.type(Tab).text(4, 46, 33), " merknr merknaam             mkzn");
   EXPECT_EQ(t.text(5, 47, 32), "  40   Kaap Veertig         KAAP");
   EXPECT_EQ(t.text(6, 47, 32), " 123   Aardappel            DUIM");
   EXPECT_SHOWS(t, "Nummer ____");
-  t.type(std::string("7") + Tab);  // a text before the key: searched, and then the next order
-  EXPECT_EQ(t.text(4, 46, 6), " mkzn ");
+  EXPECT_EQ(t.type(std::string("7") + Tab).text(4, 46, 6),
+            " mkzn ");  // a text before the key: searched, and then the next order
   EXPECT_EQ(t.text(5, 47, 9), "ZILT    7");
-  t.type(F3, F5);
-  EXPECT_EQ(t.text(4, 46, 6), " mkzn ");
+  EXPECT_EQ(t.type(F3, F5).text(4, 46, 6), " mkzn ");
   t.type(Esc, Esc);
   EXPECT_TRUE(t.row(22).starts_with("n3 nr7 anders/n3 nr7 weg/ 7 40 123")) << t.row(22);
 }
@@ -206,17 +192,14 @@ TEST_F(ZoekMerk, ABrandThatHasGoneIsNotMarked) {
     IXCLOSE(lijst);
     return str_format("n%d nr%d", n, nr);
   });
-  t.type(F5);
-  EXPECT_SHOWS(t, "→ 1│");
-  t.type(F3);
-  EXPECT_EQ(t.row(22), "n1 nr5");
+  EXPECT_SHOWS(t.type(F5), "→ 1│");
+  EXPECT_EQ(t.type(F3).row(22), "n1 nr5");
 }
 
 TEST_F(ZoekMerk, OnePickAndAnEmptyFile) {
   Terminal t = start([] { return str_format("keus %d", ing_merk_pick()); });
   EXPECT_SHOWS(t, " selecteren merk ");
-  t.type(in("KA"), F3);
-  EXPECT_EQ(t.row(22), "keus 40");
+  EXPECT_EQ(t.type(in("KA"), F3).row(22), "keus 40");
   k.open();
   IXINIT(dtmerk);
   k.sluit();
@@ -228,13 +211,10 @@ TEST_F(ZoekMerk, OnePickAndAnEmptyFile) {
     IXCLOSE(lijst);
     return std::string("weg");
   });
-  u.type(F5);
-  EXPECT_EQ(u.text(22, 21, 18), "│ Geen informatie ");
+  EXPECT_EQ(u.type(F5).text(22, 21, 18), "│ Geen informatie ");
   EXPECT_TRUE(u.bold(22, 23));
-  u.type(Enter);
-  EXPECT_EQ(u.cursor_row(), 3);
-  u.type(Esc);
-  EXPECT_EQ(u.row(22), "weg");
+  EXPECT_EQ(u.type(Enter).cursor_row(), 3);
+  EXPECT_EQ(u.type(Esc).row(22), "weg");
 }
 
 TEST_F(Zoek, ColoursAreSlots) {
@@ -244,17 +224,13 @@ TEST_F(Zoek, ColoursAreSlots) {
     const bool anders = ing_kleur(3, 10, "", &nr);
     return str_format("%d %d %d", anders, nr, kleur_pick(500));
   });
-  t.type(F5);
-  EXPECT_SHOWS(t, " selecteren kleur ", " klr  kleur", " 100 zwart");
+  EXPECT_SHOWS(t.type(F5), " selecteren kleur ", " klr  kleur", " 100 zwart");
   EXPECT_FALSE(t.shows("  10 wit"));  // the page starts at the first colour from 11 on
-  t.type(Up);
-  EXPECT_SHOWS(t, "  10 wit", "Kleurnummer ___");
-  t.type(Esc);
-  EXPECT_EQ(t.cursor_row(), 3);
+  EXPECT_SHOWS(t.type(Up), "  10 wit", "Kleurnummer ___");
+  EXPECT_EQ(t.type(Esc).cursor_row(), 3);
   t.type(F5, in("2"), F3);
   t.type(in("700"));  // behind all: the last
-  t.type(Enter);
-  EXPECT_EQ(t.row(22), "1 10 100");
+  EXPECT_EQ(t.type(Enter).row(22), "1 10 100");
 }
 
 TEST_F(Zoek, ArticleGroupsInThreeOrdersThatAreRemembered) {
@@ -264,20 +240,16 @@ TEST_F(Zoek, ArticleGroupsInThreeOrdersThatAreRemembered) {
     const bool anders = ing_artikel(3, 10, "", &nr);
     return str_format("%d %d %d", anders, nr, artikel_pick(10100));
   });
-  t.type(F5);
-  EXPECT_SHOWS(t, " selecteren artikelgroep ", " artg  omschrijving          omzg",
+  EXPECT_SHOWS(t.type(F5), " selecteren artikelgroep ", " artg  omschrijving          omzg",
                "artikelgroep _____");
   EXPECT_EQ(t.text(5, 47, 12), "20200 Jassen") << t.screen();
-  t.type(Tab);
-  EXPECT_SHOWS(t, "omschrijving ____________________");
+  EXPECT_SHOWS(t.type(Tab), "omschrijving ____________________");
   EXPECT_TRUE(t.text(6, 47, 12) == "10100 Rokken");
-  t.type(Tab);
-  EXPECT_SHOWS(t, "Omzetgroep _____");
-  t.type(in("15"), F3);
-  EXPECT_TRUE(t.shows("Omzetgroep _____"));  // the second list in the order of the first
+  EXPECT_SHOWS(t.type(Tab), "Omzetgroep _____");
+  EXPECT_TRUE(
+      t.type(in("15"), F3).shows("Omzetgroep _____"));  // the second list in the order of the first
   EXPECT_TRUE(t.text(5, 47, 12) == "10100 Rokken");
-  t.type(F3);
-  EXPECT_EQ(t.row(22), "1 30300 10100");
+  EXPECT_EQ(t.type(F3).row(22), "1 30300 10100");
 }
 
 struct ZoekDoelgroep : Zoek {
@@ -304,41 +276,31 @@ struct ZoekDoelgroep : Zoek {
 
 TEST_F(ZoekDoelgroep, TheFieldNamesAWrongLetterAndTheListMovesUnderItsChoiceLine) {
   Terminal t = veld();
-  t.type(Enter);
-  EXPECT_SHOWS(t, "<X> Ongeldige doelgroep");
-  t.type(F5);
-  EXPECT_SHOWS(t, " dgr    omschrijving", "   D    Dames", "Uw keuze _ S, W, V");
+  EXPECT_SHOWS(t.type(Enter), "<X> Ongeldige doelgroep");
+  EXPECT_SHOWS(t.type(F5), " dgr    omschrijving", "   D    Dames", "Uw keuze _ S, W, V");
   t.type(Down, Down, Down, Up);
   const int rij = t.row(6).find("   H    Heren") != std::string::npos ? 6 : 0;
   EXPECT_TRUE(rij != 0 && t.reverse(rij, 60)) << t.screen();
-  t.type(Enter);  // an empty choice is asked again
-  EXPECT_SHOWS(t, "Uw keuze _ S, W, V");
-  t.type("s");
-  EXPECT_EQ(t.row(22), "1 <H> Heren");
+  EXPECT_SHOWS(t.type(Enter), "Uw keuze _ S, W, V");  // an empty choice is asked again
+  EXPECT_EQ(t.type("s").row(22), "1 <H> Heren");
   EXPECT_EQ(t.text(3, 10, 1), "H");
 }
 
 TEST_F(ZoekDoelgroep, AGroupIsChangedAndDeletedFromTheList) {
   Terminal t = veld();
-  t.type(F5, Down, "w");
-  EXPECT_SHOWS(t, " WIJZIGEN DOELGROEP ", " Omschrijving doelgroep Heren_______");
-  t.type(Esc, "w", in("Mannen"));
-  EXPECT_SHOWS(t, "   H    Mannen");
-  t.type("v");
-  EXPECT_SHOWS(t, "Deze doelgroep wordt verwijderd. Akkoord? (J/N) N");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "   H    Mannen");
-  t.type("v", "J", Enter);
-  EXPECT_FALSE(t.shows("Mannen")) << t.screen();
+  EXPECT_SHOWS(t.type(F5, Down, "w"), " WIJZIGEN DOELGROEP ",
+               " Omschrijving doelgroep Heren_______");
+  EXPECT_SHOWS(t.type(Esc, "w", in("Mannen")), "   H    Mannen");
+  EXPECT_SHOWS(t.type("v"), "Deze doelgroep wordt verwijderd. Akkoord? (J/N) N");
+  EXPECT_SHOWS(t.type(Enter), "   H    Mannen");
+  EXPECT_FALSE(t.type("v", "J", Enter).shows("Mannen")) << t.screen();
   EXPECT_SHOWS(t, "   M    Meisjes");
-  t.type("v", "J", Enter);
-  EXPECT_TRUE(t.shows("   D    Dames")) << t.screen();  // behind the last: the one before it
-  t.type("v", "J", Enter);
-  EXPECT_EQ(t.cursor_row(), 3) << t.screen();  // emptied: the list ends, the field comes back
-  t.type(F5);
-  EXPECT_SHOWS(t, "Geen doelgroepen gedefinieerd");
-  t.type(Enter, Esc);
-  EXPECT_EQ(t.row(22), "0 <X>");
+  EXPECT_TRUE(t.type("v", "J", Enter).shows("   D    Dames"))
+      << t.screen();  // behind the last: the one before it
+  EXPECT_EQ(t.type("v", "J", Enter).cursor_row(), 3)
+      << t.screen();  // emptied: the list ends, the field comes back
+  EXPECT_SHOWS(t.type(F5), "Geen doelgroepen gedefinieerd");
+  EXPECT_EQ(t.type(Enter, Esc).row(22), "0 <X>");
 }
 
 TEST_F(Zoek, ActionsShowTheirPeriod) {
@@ -348,13 +310,10 @@ TEST_F(Zoek, ActionsShowTheirPeriod) {
     const bool anders = ing_actie(3, 10, "E", &nr);
     return str_format("%d %d", anders, nr);
   });
-  t.type(in("13"));
-  EXPECT_SHOWS(t, "<13> Onbekend actienummer");
-  t.type(F5);
-  EXPECT_SHOWS(t, " an  periode va-tm ac  actie", "12  010125-310125  3  Opruiming",
+  EXPECT_SHOWS(t.type(in("13")), "<13> Onbekend actienummer");
+  EXPECT_SHOWS(t.type(F5), " an  periode va-tm ac  actie", "12  010125-310125  3  Opruiming",
                "Actienummer __");
-  t.type(Enter);
-  EXPECT_EQ(t.row(22), "1 12");
+  EXPECT_EQ(t.type(Enter).row(22), "1 12");
 }
 
 TEST_F(Zoek, CodesAreTakenByOneKeyAndKeptUp) {
@@ -366,25 +325,17 @@ TEST_F(Zoek, CodesAreTakenByOneKeyAndKeptUp) {
     const std::string vijf = code_tekst(4, 5);
     return str_format("%d %d %d %s|%s", anders, code, keus, vijf, code_tekst(4, 3));
   });
-  t.type(Enter);
-  EXPECT_SHOWS(t, "<9> Ongeldige ingave");
-  t.type(F5);
-  EXPECT_TRUE(t.row(3).find(" Raadplegen deelseizoen ") != std::string::npos);
+  EXPECT_SHOWS(t.type(Enter), "<9> Ongeldige ingave");
+  EXPECT_TRUE(t.type(F5).row(3).find(" Raadplegen deelseizoen ") != std::string::npos);
   EXPECT_EQ(t.text(4, 50, 16), "nr omschrijving ");
   EXPECT_EQ(t.text(5, 50, 10), "0 begin   ");
   EXPECT_EQ(t.text(8, 50, 10), "3 zomer   ");
-  t.type("5");
-  EXPECT_SHOWS(t, "<5> Ongeldige ingave");
-  t.type(Esc, F5, "0");
-  EXPECT_SHOWS(t, "Uw keuze _ S, W, V");
-  t.type("w", "5");
-  EXPECT_SHOWS(t, " WIJZIGEN deelseizoen ");
-  t.type(in("herfst"));
-  EXPECT_EQ(t.text(10, 50, 10), "5 herfst  ");
-  t.type("v", "3", in("J"));
-  EXPECT_EQ(t.text(8, 50, 10), "          ");
-  t.type("s", "5");
-  EXPECT_EQ(t.row(22), "1 0 5 herfst|");
+  EXPECT_SHOWS(t.type("5"), "<5> Ongeldige ingave");
+  EXPECT_SHOWS(t.type(Esc, F5, "0"), "Uw keuze _ S, W, V");
+  EXPECT_SHOWS(t.type("w", "5"), " WIJZIGEN deelseizoen ");
+  EXPECT_EQ(t.type(in("herfst")).text(10, 50, 10), "5 herfst  ");
+  EXPECT_EQ(t.type("v", "3", in("J")).text(8, 50, 10), "          ");
+  EXPECT_EQ(t.type("s", "5").row(22), "1 0 5 herfst|");
 }
 
 TEST_F(Zoek, YearsExpandAreLimitedAndComeWithTheirSeason) {
@@ -401,34 +352,25 @@ TEST_F(Zoek, YearsExpandAreLimitedAndComeWithTheirSeason) {
        {std::pair{"25", "2025 -"}, std::pair{"00", "2000 -"}, std::pair{"80", "1980 -"},
         std::pair{"50", "2050 -"}, std::pair{"1999", "1999 -"}, std::pair{"", "0 -"}}) {
     Terminal t = start(jaar(0, 0));
-    t.type(in(tekst));
-    EXPECT_EQ(t.row(22), uit);
+    EXPECT_EQ(t.type(in(tekst)).row(22), uit);
   }
   Terminal t = start(jaar(0, 0));
-  t.type(in("1979"));
-  EXPECT_SHOWS(t, "<1979> Ongeldig jaartal");
-  t.type(in("2080"));
-  EXPECT_SHOWS(t, "<2080> Alleen 1980 t/m 2079 mogelijk");
-  t.type(F5);
-  EXPECT_SHOWS(t, " seizoen omschrijving", " 2026W   Winter", " 2025Z   Zomer");
-  t.type(in("2025"), F3);
-  EXPECT_EQ(t.row(22), "2025 Z");
+  EXPECT_SHOWS(t.type(in("1979")), "<1979> Ongeldig jaartal");
+  EXPECT_SHOWS(t.type(in("2080")), "<2080> Alleen 1980 t/m 2079 mogelijk");
+  EXPECT_SHOWS(t.type(F5), " seizoen omschrijving", " 2026W   Winter", " 2025Z   Zomer");
+  EXPECT_EQ(t.type(in("2025"), F3).row(22), "2025 Z");
 
   Terminal u = start(jaar(2026, 2026));  // a season that is refused leaves nothing behind
-  u.type(F5, Down, F3);
-  EXPECT_SHOWS(u, "<2025> Alleen 2026 t/m 2026 mogelijk");
-  u.type(in("26"));
-  EXPECT_EQ(u.row(22), "2026 -");
+  EXPECT_SHOWS(u.type(F5, Down, F3), "<2025> Alleen 2026 t/m 2026 mogelijk");
+  EXPECT_EQ(u.type(in("26")).row(22), "2026 -");
 
   Terminal v = start([] {
     char s = 'K';
     const bool anders = ing_seizoen(3, 10, &s);
     return str_format("%d %c", anders, s);
   });
-  v.type("q");
-  EXPECT_SHOWS(v, "<Q> Ongeldige ingave");
-  v.type(in("z"));
-  EXPECT_EQ(v.row(22), "1 Z");
+  EXPECT_SHOWS(v.type("q"), "<Q> Ongeldige ingave");
+  EXPECT_EQ(v.type(in("z")).row(22), "1 Z");
 }
 
 TEST_F(Zoek, TheModelListHoldsTheModelsOfOneBrandOnce) {
@@ -456,15 +398,12 @@ TEST_F(Zoek, TheModelListHoldsTheModelsOfOneBrandOnce) {
   EXPECT_EQ(t.text(7, 47, 8), "WENEN   ");
   EXPECT_EQ(t.text(8, 47, 8), "        ");
   EXPECT_SHOWS(t, "Model _______________");
-  t.type(Down, Down, Down, Up);
-  EXPECT_TRUE(t.reverse(6, 47));
-  t.type(in("p"), Enter);
-  EXPECT_EQ(t.row(22), "1 <PARIJS> 0");
+  EXPECT_TRUE(t.type(Down, Down, Down, Up).reverse(6, 47));
+  EXPECT_EQ(t.type(in("p"), Enter).row(22), "1 <PARIJS> 0");
 
   Terminal u = start(kies(123));
   EXPECT_SHOWS(u, "selecteren model", "Geen informatie");
-  u.type(Enter);
-  EXPECT_EQ(u.row(22), "0 <> 0");
+  EXPECT_EQ(u.type(Enter).row(22), "0 <> 0");
 }
 
 TEST_F(Zoek, SizesGoByTextAndByTheirBar) {
@@ -497,19 +436,15 @@ TEST_F(Zoek, SizesGoByTextAndByTheirBar) {
     };
   };
   Terminal t = start(veld("U", 2));
-  t.type(in("x"));
-  EXPECT_SHOWS(t, "<  X> Onbekende/foutieve maat");
-  t.type(in("l"));  // a text typed at the left is meant at the right
-  EXPECT_EQ(t.row(22), "1 3");
+  EXPECT_SHOWS(t.type(in("x")), "<  X> Onbekende/foutieve maat");
+  EXPECT_EQ(t.type(in("l")).row(22), "1 3");  // a text typed at the left is meant at the right
 
   Terminal u = start(veld("J", 2));
-  u.type(F5);
-  EXPECT_SHOWS(u, " maat  omschr");
+  EXPECT_SHOWS(u.type(F5), " maat  omschr");
   EXPECT_TRUE(u.row(5).find("   S  ") != std::string::npos);
   EXPECT_TRUE(u.row(6).find("   L  ") != std::string::npos);
   EXPECT_TRUE(u.row(7).find("   M  Medium") != std::string::npos);
-  u.type(in("M"), Enter);
-  EXPECT_EQ(u.text(3, 10, 3), "  M");
+  EXPECT_EQ(u.type(in("M"), Enter).text(3, 10, 3), "  M");
   EXPECT_EQ(u.row(22), "1 2");
 
   Terminal v = start(veld("", 44));
@@ -518,8 +453,7 @@ TEST_F(Zoek, SizesGoByTextAndByTheirBar) {
   EXPECT_SHOWS(w, "<0> Onbekend maatstelsel");
   Terminal x = start([] { return str_format("%d", maatsoort_pick(1)); });
   EXPECT_SHOWS(x, "  2    S   M   L");
-  x.type(Enter);
-  EXPECT_EQ(x.row(22), "2");
+  EXPECT_EQ(x.type(Enter).row(22), "2");
 }
 
 }  // namespace

@@ -255,8 +255,9 @@ void Terminal::type_now(std::string_view keys) {
   }
 }
 
-void Terminal::type(std::string_view keys) {
+Terminal& Terminal::type(std::string_view keys) {
   if (ready()) type_now(keys);
+  return *this;
 }
 
 std::string Terminal::screen() { return ready(), staat->beeld(); }

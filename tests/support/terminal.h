@@ -45,12 +45,11 @@ struct Terminal {
 
   /// Waits until the child reads, then types (UTF-8, or the keys above). All in one go: what is
   /// behind the first key is typed ahead.
-  void type(std::string_view keys);
+  Terminal& type(std::string_view keys);
   /// One after the other, and waits before each.
   template <class... Rest>
-  void type(std::string_view keys, std::string_view then, const Rest&... rest) {
-    type(keys);
-    type(then, rest...);
+  Terminal& type(std::string_view keys, std::string_view then, const Rest&... rest) {
+    return type(keys).type(then, rest...);
   }
   /// Types without waiting for the child to read, for a program that is at work.
   void type_now(std::string_view keys);
