@@ -38,11 +38,17 @@ struct PtrcRec {
   char name[20];
 };
 
-/*   OFFSET SIZE FIELD     TR_PTRP: a configuration, 284 bytes; keys: 1 number, 2 columns, 3
- * description 0    2 tr_code   printer number 2    1 id        configuration number 3    1 portrait
- * 0 landscape 4    2 columns 6    2 rows      of a page; 0 or 9999 endless 8   32 desc 40  122
- * start     sent before the text; \hh is a byte in hexadecimal, \\ a backslash 162  122 stop sent
- * after it                                                       */
+/*   OFFSET SIZE FIELD     TR_PTRP: a configuration, 284 bytes; keys: 1 number, 2 columns,
+ *                         3 description
+ *        0    2 tr_code   printer number
+ *        2    1 id        configuration number
+ *        3    1 portrait  0 landscape
+ *        4    2 columns
+ *        6    2 rows      of a page; 0 or 9999 endless
+ *        8   32 desc
+ *       40  122 start     sent before the text; \hh is a byte in hexadecimal, \\ a backslash
+ *      162  122 stop      sent after it
+ */
 struct PtrpRec {
   uint16_t tr_code;
   uint8_t id;
