@@ -3,6 +3,9 @@
 #include "main/batchvw.h"
 #include "sub/adv_opdracht.h"
 #include "sub/adv_vul.h"
+#include "sub/muteren.h"
+#include "sub/serie.h"
+#include "sub/serie_keuze.h"
 #include "tests/support/adv_keten.h"
 #include "tests/support/agent.h"
 
@@ -190,6 +193,157 @@ TEST_F(Automatisch, WaitsForOrderLinesInUseAndGivesUpOnRequest) {
   EXPECT_SHOWS(u, "KLAAR");
   EXPECT_EQ(ander.ask("t9"), "vrij");
   EXPECT_EQ(ander.ask("t10"), "vrij");
+}
+
+struct Handmatig : AdvKeten {
+  void SetUp() override {
+    AdvKeten::SetUp();
+    met_keten([] {
+      serie(MAT, "ABBA", "Mantel");
+      for (const Serienr& nr : {ROK, JAS, MAT}) {
+        for (const uint8_t maat : {uint8_t{1}, uint8_t{2}}) stuk(nr, ETI_VOORRAAD, maat, 0);
+        verkocht(nr, 1, 3);
+      }
+    });
+  }
+  static constexpr Serienr MAT{10100, 50, 1};
+  /// Behind the criteria, at the choice of series.
+  Terminal start() {
+    Terminal t = draai(opdracht_handmatig);
+    EXPECT_SHOWS(t, "Handmatig aanmaken", "SELECTIE OP OPDRACHT");
+    EXPECT_FALSE(t.shows("SELECTIE OP VOORRAAD en VERKOPEN"));
+    t.type(Esc);
+    EXPECT_SHOWS(t, "SERIES", "11 Via serienummer", "12 Via merk-artg-model", "13 Via merk-model");
+    return t;
+  }
+  static void nummer(Terminal& t, const Serienr& nr) {
+    t.type(std::string(Back) + std::to_string(nr.artgroep), Enter);
+    t.type(std::string(Back) + std::to_string(nr.kleur), Enter);
+    t.type(std::string(Back) + std::to_string(nr.volgnr), Enter);
+  }
+};
+
+TEST_F(Handmatig, AnAcceptedAdviceBecomesOrdersWhenTheSeriesIsLeft) {
+  met_keten([] {
+    regel(2, 4, ROK, 7, 20000011);
+    regel(0, 4, JAS, 1);  // stands, and stays
+  });
+  Terminal t = start();
+  EXPECT_FALSE(t.shows("Via selectie"));
+  t.type("11");
+  EXPECT_SHOWS(t, "Ingave serienummer");
+  nummer(t, WEG);
+  EXPECT_SHOWS(t, "Serie onbekend");
+  nummer(t, ROK);
+  EXPECT_SHOWS(t, "10100.10.1");
+  t.type("=");
+  EXPECT_EQ(regels(), "0>4 10100.20.2 1x1\n2>4 10100.10.1 nr 20000011 1x7\n")
+      << "nothing is written yet";
+  t.type("+");
+  EXPECT_SHOWS(t, "10100.20.2");
+  t.type("-");
+  EXPECT_SHOWS(t, "10100.10.1");
+  t.type("z");
+  EXPECT_SHOWS(t, "Ingave serienummer");
+  nummer(t, MAT);
+  t.type("+");
+  EXPECT_SHOWS(t, "Geen series met een advies meer");
+  t.type(Enter);
+  EXPECT_SHOWS(t, "Ingave serienummer");
+  nummer(t, MAT);
+  t.type(Esc);
+  EXPECT_SHOWS(t, "SERIES", "11 Via serienummer");
+  t.type(Esc);
+  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_EQ(regels(), "0>3 10100.10.1 1x1\n0>4 10100.20.2 1x1\n2>4 10100.10.1 nr 20000011 1x7\n");
+}
+
+TEST_F(Handmatig, TheSeriesInHandIsLockedForOthersUntilItIsLeft) {
+  const std::string map = keten.map.pad;
+  Agent ander([this, map](const std::string&) {
+    std::filesystem::current_path(map);
+    if (!keten.is_open) keten.open();
+    const bool vrij = serie_probeer(ROK);
+    if (vrij) serie_los();
+    return std::string(vrij ? "vrij" : "bezet");
+  });
+  EXPECT_EQ(ander.ask("?"), "vrij");
+  Terminal t = start();
+  t.type("11");
+  nummer(t, ROK);
+  EXPECT_SHOWS(t, "10100.10.1");
+  EXPECT_EQ(ander.ask("?"), "bezet");
+  t.type("+");
+  EXPECT_SHOWS(t, "10100.20.2");
+  EXPECT_EQ(ander.ask("?"), "vrij");
+}
+
+TEST_F(Handmatig, GoesOnInTheOrderOfTheWayThatWasChosen) {
+  Terminal t = start();
+  t.type("13");
+  EXPECT_SHOWS(t, "Ingave merk-model");
+  t.type("5", Enter, "anna", Enter);  // by model: ABBA, ANNA, BEA
+  EXPECT_SHOWS(t, "10100.10.1");
+  t.type("+");
+  EXPECT_SHOWS(t, "10100.20.2");
+  t.type("-", "-");
+  EXPECT_SHOWS(t, "10100.50.1");
+  t.type(Esc, "12");
+  EXPECT_SHOWS(t, "Ingave merk-artg-model");
+  t.type("5", Enter, "10100", Enter, std::string(Back) + "bea", Enter);
+  EXPECT_SHOWS(t, "10100.20.2");
+  t.type("-");
+  EXPECT_SHOWS(t, "10100.10.1");
+}
+
+TEST_F(Handmatig, ThroughTheSelectionInItsOwnOrder) {
+  Terminal t = draai([] {
+    ICB* v = sort_maak(privaat.v, "MAKV");
+    for (const Serienr& nr : {ROK, MAT}) {
+      DtSer rec{};
+      rec.nr = nr;
+      IXREAD(dtser, &rec);
+      v->record_no = dtser->record_no;
+      IXADDKEYS(v, &rec);
+    }
+    IXCLOSE(v);
+    serie_gevuld = true;
+    opdracht_handmatig();
+  });
+  t.type(Esc, "14");
+  EXPECT_SHOWS(t, "10100.50.1");
+  t.type("=", "+");
+  EXPECT_SHOWS(t, "10100.10.1");
+  t.type("=", "z");
+  EXPECT_SHOWS(t, "10100.50.1");
+  t.type("+", "+");
+  EXPECT_SHOWS(t, "Geen series met een advies meer");
+  t.type(Enter);
+  EXPECT_SHOWS(t, "SERIES", "14 Via selectie");
+  EXPECT_EQ(regels(), "0>3 10100.10.1 1x1\n0>3 10100.50.1 1x1\n");
+}
+
+TEST_F(Handmatig, MutationsTestStockAndSalesAndGiveTheirClaimsBack) {
+  const std::string map = keten.map.pad;
+  Agent ander([map](const std::string& wat) { return claimer(map, wat); });
+  ASSERT_EQ(ander.ask("x11"), "ja");
+  Terminal t = draai(mutaties_ingeven);
+  EXPECT_TRUE(t.wait_for("Verwerking is actief"));
+  EXPECT_EQ(ander.ask("t10"), "bezet");
+  t.type_now("x");
+  EXPECT_TRUE(t.wait_for("Wilt u wachten?"));
+  t.type("N", Enter);
+  EXPECT_SHOWS(t, "KLAAR");
+  for (const char* f : {"t9", "t10"}) EXPECT_EQ(ander.ask(f), "vrij") << f;
+  EXPECT_EQ(ander.ask("u11"), "los");
+  Terminal u = draai(mutaties_ingeven);
+  EXPECT_SHOWS(u, "Ingeven mutaties", "SELECTIE OP VOORRAAD en VERKOPEN");
+  for (const char* f : {"t9", "t10", "t11"}) EXPECT_EQ(ander.ask(f), "bezet") << f;
+  u.type(Esc);
+  EXPECT_SHOWS(u, "Ingeven mutaties", "SERIES");
+  u.type(Esc);
+  EXPECT_SHOWS(u, "KLAAR");
+  for (const char* f : {"t9", "t10", "t11"}) EXPECT_EQ(ander.ask(f), "vrij") << f;
 }
 
 }  // namespace
