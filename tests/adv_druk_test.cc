@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "prt/prt.h"
+#include "sub/adv_opdracht.h"
 #include "sub/adv_vul.h"
 #include "sub/pghdl.h"
 #include "tests/support/adv_keten.h"
@@ -148,6 +149,65 @@ TEST_F(Druk, SalesPerBranchOfThePeriod) {
             "       =========== +\n"
             "             31.50        3\n");
   EXPECT_EQ(druk([&] { EXPECT_FALSE(vrk_verkeer_druk(1, 2, alle)); }), "");
+}
+
+/// The commands on a screen, which is the only destination there is.
+struct DrukScherm : AdvKeten {
+  void SetUp() override {
+    AdvKeten::SetUp();
+    met_keten([] {
+      stuk(ROK, ETI_VOORRAAD, 2, 0);
+      verkocht(ROK, 2, 3);
+    });
+  }
+  Terminal start(void (*commando)()) {
+    return draai([commando] {
+      prt_tabellen_maak();
+      commando();
+    });
+  }
+};
+
+TEST_F(DrukScherm, TheDialogAndThePreview) {
+  using namespace toets;
+  Terminal t = start(adv_druk_serie);
+  EXPECT_SHOWS(t, "Afdrukken adviezen per serie", "BEREKENEN AANVULADVIES");
+  t.type(Enter);
+  EXPECT_SHOWS(t, "AANVULADVIES PER SERIE", "10100.10.1     Rok geplooid");
+  t.type(Esc);
+  EXPECT_SHOWS(t, "KLAAR");
+  Terminal u = start(adv_druk_stuk);
+  EXPECT_SHOWS(u, "Afdrukken per artikel", "BEREKENEN AANVULADVIES");
+  u.type(Esc);
+  EXPECT_SHOWS(u, "KLAAR");
+}
+
+TEST_F(DrukScherm, SalesAskForAPeriodAndBranches) {
+  using namespace toets;
+  Terminal t = start(vrk_verkeer);
+  EXPECT_ROWS(t, 4, R"(
+ Verkoopdatum vanaf  01-01-1980
+ Verkoopdatum   t/m
+ Filialen
+)");
+  t.type("01012020", Enter);
+  t.type("31122019", Enter);
+  EXPECT_SHOWS(t, "Alleen datum tussen 01-01-2020");
+  t.type("31122019", Esc);
+  EXPECT_SHOWS(t, "KLAAR");
+  Terminal u = start(vrk_verkeer);
+  u.type(Enter, Enter, "3", Enter);
+  EXPECT_SHOWS(u, "VERKOPEN TBV FILIAALVERKEER", "   3 :       44.95        1  Filiaal 3");
+}
+
+TEST_F(DrukScherm, WithoutAnyAdviceTheOperatorIsTold) {
+  using namespace toets;
+  met_keten([] { IXINIT(dtaanv); });
+  Terminal t = start(adv_druk_serie);
+  t.type(Enter);
+  EXPECT_SHOWS(t, "Geen adviezen aanwezig");
+  t.type(Enter);
+  EXPECT_SHOWS(t, "KLAAR");
 }
 
 }  // namespace
