@@ -148,8 +148,6 @@ bool iets_verzameld() {
 
 }  // namespace
 
-void opdruk_tekst(std::string_view tekst) { print_f("%s", tekst); }
-
 bool opdruk_vol(int regels) { return prt_rec.line_no > bladregels() - regels + 1; }
 
 void opdruk_kop(OpdrachtSoort soort) {
@@ -163,10 +161,10 @@ void opdruk_kop(OpdrachtSoort soort) {
     print_nl();
   }
   const Rechts r = rechts(soort);
-  opdruk_tekst(titels(TITELS_SERIE) + r.boven);
+  print_f("%s", titels(TITELS_SERIE) + r.boven);
   print_nl();
-  opdruk_tekst(str_format("%6s", "") + titels(TITELS_MODEL) +
-               str_format("%-20.20s ", txt(T_OPDRUK_MAATAANTALLEN)) + r.onder);
+  print_f("%s", str_format("%6s", "") + titels(TITELS_MODEL) +
+                    str_format("%-20.20s ", txt(T_OPDRUK_MAATAANTALLEN)) + r.onder);
   print_nl();
   streep();
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "main/opdruk.h"
 #include "main/verzamel.h"
@@ -21,10 +20,6 @@ void opdruk_druk(OpdrachtSoort);
 void opdruk_kop(OpdrachtSoort);
 /// True when fewer than `regels` lines remain on the page.
 bool opdruk_vol(int regels);
-/// Text as it stands: the columns of this document never move a number to a second line by
-/// themselves.
-void opdruk_tekst(std::string_view);
-
 /// Reads what a document says of a series; what cannot be read is taken from the record, or blank.
 void opdruk_lees(const Verzamel&);
 /// Prints the series that was read, with the quantities in werk8.

@@ -20,6 +20,7 @@ constexpr int STAP = 18;        // sizes of a report line
 constexpr int BLOKREGELS = 5;   // a series takes at least as many lines
 constexpr int LINKERDEEL = 52;  // columns
 
+bool bekend = false;  // the series could be read
 Kleur kleur;
 MaatHandle* maten = nullptr;
 
@@ -42,10 +43,11 @@ std::string linkerdeel(int regel) {
                         veld(art_rec.naam), "", veld(ser_rec.locatie));
     case 1:
       return str_format("%6s%-15.15s %-20.20s %8s ", "", veld(kleur.naam),
-                        veld(ser_rec.omschrijving), money_show(ser_rec.adviesprijs, 8));
+                        veld(ser_rec.omschrijving),
+                        bekend ? money_show(ser_rec.adviesprijs, 8) : "");
     case 2:
-      return str_format("%6s%-4.4s %4hu%7s%-20.20s%10s", "", veld(merk_rec.zoeknaam), ser_rec.merk,
-                        "", veld(merk_rec.naam), "");
+      return str_format("%6s%-4.4s %4s%7s%-20.20s%10s", "", veld(merk_rec.zoeknaam),
+                        bekend ? str_format("%hu", ser_rec.merk) : "", "", veld(merk_rec.naam), "");
     case 3:
       return str_format("%6s%-15.15s %-12.12s %-12.12s%5s", "", veld(ser_rec.model),
                         veld(ser_rec.materiaal), veld(ser_rec.dessin), "");
@@ -77,7 +79,7 @@ struct Blok {
   OpdrachtSoort soort;
   int regel = 0;
 
-  void links() { opdruk_tekst(linkerdeel(regel++)); }
+  void links() { print_f("%s", linkerdeel(regel++)); }
   std::span<const Kolom> kolommen(int stap) const {
     const size_t begin = std::min(static_cast<size_t>(stap) * STAP, balk.size());
     return std::span<const Kolom>(balk).subspan(begin, std::min<size_t>(STAP, balk.size() - begin));
@@ -86,7 +88,7 @@ struct Blok {
     links();
     std::string tekst = str_format("%4s%-2.2s ", "", veld(ser_rec.kenmerk));
     for (const Kolom& k : kolommen(stap)) tekst += str_format(" %3.3s", k.tekst);
-    opdruk_tekst(tekst);
+    print_f("%s", tekst);
     print_nl();
   }
   /// The sizes come again where the page ends between them and their quantities.
@@ -103,10 +105,10 @@ struct Blok {
     for (const Kolom& k : kolommen(stap)) print_blank_amount("%4d", rij[k.maat]);
     print_nl();
   }
-  /// One call for the left part and the branch: three digits then take the blank between them.
   void filiaal(size_t f, int stap) {
     ruimte(stap);
-    print_f("%s%2d", linkerdeel(regel++), static_cast<int>(f));
+    links();
+    print_f("%2d", static_cast<int>(f));
     aantallen(werk8[f], stap);
   }
   void stappen(int aantal) {
@@ -134,7 +136,7 @@ struct Blok {
     for (int stap = 0; stap < aantal; ++stap) {
       if (aantal > 1 && !opdruk_vol(2)) maatregel(stap);
       ruimte(stap);
-      opdruk_tekst(str_format("%51s   ", stap == 0 ? txt(T_OPDRUK_TOTAAL) : ""));
+      print_f("%51s   ", stap == 0 ? txt(T_OPDRUK_TOTAAL) : "");
       aantallen(werk8.back(), stap);
     }
   }
@@ -143,7 +145,8 @@ struct Blok {
 }  // namespace
 
 void opdruk_lees(const Verzamel& v) {
-  if (!lees_serie(dtser, &ser_rec, v.nr)) {
+  bekend = lees_serie(dtser, &ser_rec, v.nr);
+  if (!bekend) {
     ser_rec = {};
     ser_rec.nr = v.nr;
     std::copy_n(v.model, sizeof v.model, ser_rec.model);

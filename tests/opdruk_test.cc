@@ -1,0 +1,345 @@
+// The order document as text: whole pages of each kind, split and not, and where pages end.
+#include <cstring>
+#include <regex>
+
+#include "isam/base.h"
+#include "main/iofil.h"
+#include "main/opdruk_in.h"
+#include "main/saldo.h"
+#include "main/saldo_pas.h"
+#include "main/verzamel.h"
+#include "prt/prt.h"
+#include "sub/pghdl.h"
+#include "tests/support/keten.h"
+
+namespace {
+
+constexpr Serienr BLOUSE{10100, 10, 1}, BROEK{10200, 310, 4}, BREED{10300, 5, 2};
+
+void maatsoort(uint8_t nummer, int aantal) {
+  DtMaat rec{};
+  rec.land = 1;
+  rec.maatsoort = nummer;
+  for (int i = 1; i <= aantal; ++i) {
+    rec.maten[i / 8] = static_cast<uint8_t>(rec.maten[i / 8] | 1u << (i % 8));
+    MaatIngang& ingang = rec.ingang[i];
+    const std::string tekst = str_format("%3d", 30 + i);
+    memcpy(ingang.tekst, tekst.data(), sizeof ingang.tekst);
+    // Position from the end: the bar is not in the order of the indexes.
+    ingang.ander = static_cast<uint8_t>(aantal + 1 - i);
+  }
+  Keten::voeg(dtmaat, rec);
+}
+
+struct Opdruk : ::testing::Test {
+  Keten keten{120};
+
+  void SetUp() override {
+    keten.open();
+    werk8.assign(static_cast<size_t>(filialen()) + 1, {});
+    iofil('O', 0, &filiaal_rec);
+    maatsoort(1, 4);
+    maatsoort(2, 40);
+    serie(BLOUSE, 1, "A1");
+    serie(BROEK, 1, "B22222");
+    serie(BREED, 2, "");
+    DtArt art{};
+    art.nummer = BLOUSE.artgroep;
+    veld_zet(art.naam, sizeof art.naam, "Blouses korte mouw");
+    Keten::voeg(dtart, art);
+    DtMerk merk{};
+    merk.nummer = 5;
+    veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
+    veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
+    Keten::voeg(dtmerk, merk);
+    Kleur kleur{};
+    kleur.nummer = 10;
+    veld_zet(kleur.naam, sizeof kleur.naam, "wit");
+    int32_t nummer = 10;
+    iotab('W', &nummer, &kleur, SYS_KLEUREN);
+    pg_fill(adv_rec.aanvul_filialen);
+    pg_fill(adv_rec.vanuit_filialen);
+    saldo_splits = true;
+    saldo_opdrachtnr = 0;
+    str_printf(saldo_sort, sizeof saldo_sort, "%s", "AKV");
+    str_printf(prt_links, sizeof prt_links, "%s", "De Ketting BV");
+  }
+  void TearDown() override {
+    iofil('C', 0, nullptr);
+    prt_links[0] = 0;
+  }
+
+  static void serie(const Serienr& nr, uint8_t soort, const char* locatie) {
+    DtSer rec = Keten::serie(nr, soort, 5);
+    veld_zet(rec.model, sizeof rec.model, "Model-15-tekens");
+    veld_zet(rec.omschrijving, sizeof rec.omschrijving, "omschrijving serie");
+    veld_zet(rec.materiaal, sizeof rec.materiaal, "katoen");
+    veld_zet(rec.dessin, sizeof rec.dessin, "streep");
+    veld_zet(rec.kenmerk, sizeof rec.kenmerk, "KM");
+    veld_zet(rec.locatie, sizeof rec.locatie, locatie);
+    rec.adviesprijs = 123495;
+    Keten::voeg(dtser, rec);
+  }
+  struct Stuks {
+    int maat;
+    uint32_t aantal;
+  };
+  static void regel(int van, int naar, const Serienr& nr, std::initializer_list<Stuks> stuks,
+                    uint32_t opdracht = 0) {
+    DtPick rec{};
+    rec.vanfil = static_cast<uint8_t>(van);
+    rec.naarfil = static_cast<uint8_t>(naar);
+    rec.nr = nr;
+    rec.opdrachtnr = opdracht;
+    if (opdracht != 0) rec.orderdatum = date_number("03022026");
+    for (const Stuks& s : stuks) rec.aantal[s.maat] = s.aantal;
+    IXWRITE(dtpick, &rec);
+  }
+  /// The document of the lines that there are, with one date and time for all days.
+  static std::string document(OpdrachtSoort soort, int bladregels = 64) {
+    verzamel_maak(privaat.tp, saldo_sort, saldo_splits);
+    saldo_pass(static_cast<int>(soort));
+    return druk(soort, bladregels);
+  }
+  static std::string druk(OpdrachtSoort soort, int bladregels) {
+    char* bytes = nullptr;
+    size_t n = 0;
+    FILE* uit = open_memstream(&bytes, &n);
+    prt_open_stil(uit, 132, bladregels);
+    opdruk_druk(soort);
+    print_close("");
+    fclose(uit);
+    std::string tekst(bytes, n);
+    free(bytes);
+    tekst = std::regex_replace(tekst, std::regex("\\d\\d-\\d\\d-\\d{4} \\d\\d:\\d\\d"),
+                               "DD-MM-JJJJ UU:MM");
+    tekst = std::regex_replace(tekst, std::regex("-{132}"), "=132=");
+    tekst = std::regex_replace(tekst, std::regex("\f"), "=blad=\n");
+    return std::regex_replace(tekst, std::regex(" +\n"), "\n");
+  }
+  static int koppen(const std::string& tekst) {
+    int n = 0;
+    for (size_t p = 0; (p = tekst.find("VERZAMELOPDRACHT", p)) != std::string::npos; ++p) ++n;
+    return n;
+  }
+};
+
+/// The lines behind the page head, from the first with this text.
+std::string vanaf(const std::string& tekst, const char* woord) {
+  const size_t p = tekst.find(woord);
+  return p == std::string::npos ? "not there: " + tekst : tekst.substr(p);
+}
+
+TEST_F(Opdruk, ProvisionalPerPairAndABranchOfThreeDigits) {
+  regel(0, 3, BLOUSE, {{1, 2}, {4, 11}});
+  regel(0, 100, BROEK, {{2, 1}});
+  EXPECT_EQ(
+      document(OpdrachtSoort::voorlopig),
+      R"(De Ketting BV                           VERZAMELOPDRACHT FILIAAL 0 (voorlopig)                            DD-MM-JJJJ UU:MM blad:   1
+
+Van   0  Filiaal 0
+Voor  3  Filiaal 3
+
+serie merk            omschrijving          locatie        maatspecificatie
+      model           materiaal    dessin     advpr fn tot maataantallen
+=132=
+101000100001          Blouses korte mouw     A1         KM   34  33  32  31
+      wit             omschrijving serie    1234.95  3  13   11           2
+      DUIN    5       Duinroos
+      Model-15-tekens katoen       streep
+
+=132=
+VOOR FILIAAL  3  Filiaal 3                        TOT   13
+=blad=
+De Ketting BV                           VERZAMELOPDRACHT FILIAAL 0 (voorlopig)                            DD-MM-JJJJ UU:MM blad:   2
+
+Van   0  Filiaal 0
+Voor100  Filiaal 100
+
+serie merk            omschrijving          locatie        maatspecificatie
+      model           materiaal    dessin     advpr fn tot maataantallen
+=132=
+102003100004                                 B22222     KM   34  33  32  31
+                      omschrijving serie    1234.95      1            1
+                                                   100
+      DUIN    5       Duinroos
+      Model-15-tekens katoen       streep
+
+=132=
+VOOR FILIAAL100  Filiaal 100                      TOT    1
+)");
+}
+
+TEST_F(Opdruk, DefinitiveForAllReceivers) {
+  saldo_splits = false;
+  regel(2, 3, BLOUSE, {{1, 2}, {4, 1234}});
+  regel(2, 11, BLOUSE, {{3, 1}});
+  EXPECT_EQ(
+      document(OpdrachtSoort::nieuw),
+      R"(De Ketting BV                                 VERZAMELOPDRACHT FILIAAL 2                                  DD-MM-JJJJ UU:MM blad:   1
+
+serie merk            omschrijving          locatie        maatspecificatie                                     Opdrachtnr: 20000011
+      model           materiaal    dessin     advpr fn tot maataantallen
+=132=
+101000100001          Blouses korte mouw     A1         KM   34  33  32  31
+      wit             omschrijving serie    1234.95  3     1234           2
+                                                      1236
+      DUIN    5       Duinroos                      11   1        1
+      Model-15-tekens katoen       streep
+
+                                             Totaal   1237 1234   1       2
+)");
+}
+
+TEST_F(Opdruk, AnOrderAgainRunsOnOverItsSeries) {
+  saldo_opdrachtnr = 20000011;
+  regel(2, 3, BLOUSE, {{1, 2}}, 20000011);
+  regel(2, 3, BROEK, {{4, 7}}, 20000011);
+  regel(2, 3, BREED, {{4, 9}}, 20000028);
+  regel(2, 3, BREED, {{4, 9}});
+  EXPECT_EQ(
+      document(OpdrachtSoort::bestaand),
+      R"(De Ketting BV                                 VERZAMELOPDRACHT FILIAAL 2                                  DD-MM-JJJJ UU:MM blad:   1
+
+Van   2  Filiaal 2
+Voor  3  Filiaal 3
+
+serie merk            omschrijving          locatie        maatspecificatie                          Opdrachtnr: 20000011 (herhaald)
+      model           materiaal    dessin     advpr fn tot maataantallen                             Printdatum: 03-02-2026
+=132=
+101000100001          Blouses korte mouw     A1         KM   34  33  32  31
+      wit             omschrijving serie    1234.95  3   2                2
+      DUIN    5       Duinroos
+      Model-15-tekens katoen       streep
+
+102003100004                                 B22222     KM   34  33  32  31
+                      omschrijving serie    1234.95  3   7    7
+      DUIN    5       Duinroos
+      Model-15-tekens katoen       streep
+
+=132=
+VOOR FILIAAL  3  Filiaal 3                        TOT    9
+)");
+}
+
+TEST_F(Opdruk, WideSizeBarsGoInStepsOfEighteen) {
+  regel(0, 3, BREED, {{40, 6}, {4, 11}, {1, 2}});
+  regel(0, 4, BREED, {{1, 1}});
+  saldo_splits = false;
+  EXPECT_EQ(
+      vanaf(document(OpdrachtSoort::voorlopig), "103000"),
+      R"(103000050002                                            KM   70  69  68  67  66  65  64  63  62  61  60  59  58  57  56  55  54  53
+                      omschrijving serie    1234.95  3  19    6
+      DUIN    5       Duinroos                       4   1
+      Model-15-tekens katoen       streep               KM   52  51  50  49  48  47  46  45  44  43  42  41  40  39  38  37  36  35
+                                                     3
+                                                     4
+                                                        KM   34  33  32  31
+                                                     3       11           2
+                                                     4                    1
+                                                        KM   70  69  68  67  66  65  64  63  62  61  60  59  58  57  56  55  54  53
+                                             Totaal     20    6
+                                                        KM   52  51  50  49  48  47  46  45  44  43  42  41  40  39  38  37  36  35
+
+                                                        KM   34  33  32  31
+                                                             11           3
+)");
+}
+
+/// The head takes eight lines, a series five, the foot of a pair two.
+TEST_F(Opdruk, FiveLinesStayTogether) {
+  regel(0, 3, BLOUSE, {{1, 2}});
+  regel(0, 3, BROEK, {{1, 2}});
+  const auto kop_voor = [](int bladregels, const char* woord) {
+    const std::string tekst = document(OpdrachtSoort::voorlopig, bladregels);
+    const size_t tweede = tekst.find("VERZAMELOPDRACHT", tekst.find("VERZAMELOPDRACHT") + 1);
+    const size_t plaats = tekst.find(woord);
+    return tweede != std::string::npos && tweede < plaats;
+  };
+  EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, 20)), 1);
+  EXPECT_FALSE(kop_voor(19, "102003100004"));
+  EXPECT_TRUE(kop_voor(19, "VOOR FILIAAL"));
+  EXPECT_FALSE(kop_voor(18, "102003100004"));
+  EXPECT_TRUE(kop_voor(17, "102003100004"));
+  EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, 17)), 2);
+}
+
+TEST_F(Opdruk, EachPairHasItsHeadOnPaperWithoutPages) {
+  for (const int naar : {3, 4, 5}) regel(0, naar, BLOUSE, {{1, 2}});
+  for (const int bladregels : {0, 64, 9999})
+    EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, bladregels)), 3) << bladregels;
+}
+
+TEST_F(Opdruk, ManyReceiversGoOverSeveralPagesWithTheirSizes) {
+  saldo_splits = false;
+  for (int naar = 1; naar < 120; ++naar) regel(0, naar, BLOUSE, {{1, 1}});
+  const std::string tekst = document(OpdrachtSoort::voorlopig, 30);
+  std::vector<int> filialen_gezien;
+  int bladen = 0, regels = 0;
+  for (size_t p = 0, eind; (eind = tekst.find('\n', p)) != std::string::npos; p = eind + 1) {
+    const std::string r = tekst.substr(p, eind - p);
+    if (r == "=blad=") continue;
+    if (r.find("blad:") != std::string::npos) {
+      ++bladen;
+      regels = 0;
+    }
+    EXPECT_LE(++regels, 30);
+    if (regels == 6) {
+      EXPECT_NE(r.find("KM   34  33  32  31"), std::string::npos) << r;
+    }
+    // A number of three digits may have stepped down from the line with the price.
+    const std::string nummer = r.size() > 53 ? r.substr(51, 3) : "";
+    if (nummer.find_first_of("0123456789") != std::string::npos && r.find("Totaal") > r.size())
+      filialen_gezien.push_back(atoi(nummer.c_str()));
+  }
+  EXPECT_GT(bladen, 4);
+  ASSERT_EQ(filialen_gezien.size(), 119u);
+  for (int i = 0; i < 119; ++i) EXPECT_EQ(filialen_gezien[static_cast<size_t>(i)], i + 1);
+  EXPECT_NE(tekst.find("Totaal    119"), std::string::npos);
+}
+
+/// Lines of which the series, its size type or the branches are not there.
+TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
+  DtSer zonder{};
+  zonder.nr = BROEK;
+  ASSERT_TRUE(IXREAD(dtser, &zonder));
+  for (const int soort : {9, 0}) {
+    zonder.maatsoort = static_cast<uint8_t>(soort);
+    Keten::voeg(dtser, zonder);
+    IXINIT(dtpick);
+    regel(0, 3, BROEK, {{1, 2}, {95, 3}});
+    EXPECT_EQ(vanaf(document(OpdrachtSoort::voorlopig), "102003"),
+              R"(102003100004                                 B22222     KM
+                      omschrijving serie    1234.95  3   5    2   3
+      DUIN    5       Duinroos
+      Model-15-tekens katoen       streep
+
+=132=
+VOOR FILIAAL  3  Filiaal 3                        TOT    5
+)");
+  }
+  IXINIT(dtpick);
+  regel(255, 250, BLOUSE, {{1, 2}});
+  const std::string vreemd = document(OpdrachtSoort::voorlopig);
+  EXPECT_NE(vreemd.find("101000100001"), std::string::npos) << vreemd;
+
+  IXINIT(dtpick);
+  regel(0, 3, BLOUSE, {{1, 2}});
+  verzamel_maak(privaat.tp, saldo_sort, saldo_splits);
+  saldo_pass(1);
+  DtSer weg{};
+  weg.nr = BLOUSE;
+  IXREADL(dtser, &weg);
+  IXDELETE(dtser, &weg);
+  EXPECT_EQ(vanaf(druk(OpdrachtSoort::voorlopig, 64), "101000"),
+            R"(101000100001          Blouses korte mouw     A1
+      wit                                            3   2    2
+      DUIN
+      Model-15-tekens
+
+=132=
+VOOR FILIAAL  3  Filiaal 3                        TOT    2
+)");
+}
+
+}  // namespace
