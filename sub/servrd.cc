@@ -141,7 +141,7 @@ void criteria(Svd& s) {
   if (adv_rec.vrk_dagen != oud.vrk_dagen && !herlaad()) {
     adv_rec = oud;
     hdr_line('C', "%s", s.titel);
-    scr_error("%s", txt(T_SVD_NIET_GELEZEN));
+    svd_meld(T_SVD_NIET_GELEZEN);
     return;
   }
   advies.bron_soort = adv_rec.bron_soort;
@@ -154,7 +154,7 @@ int handel(Svd& s, int code) {
   switch (code) {
     case SVD_EAN:
     case SVD_SERIE:
-      scr_error("%s", txt(T_SVD_NIET_BESCHIKBAAR));
+      svd_meld(T_SVD_NIET_BESCHIKBAAR);
       break;
     case SVD_KAAL:
     case SVD_VERWERKT:

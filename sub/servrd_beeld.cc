@@ -258,7 +258,8 @@ void svd_teken(Svd& s) {
     s.vers = false;
   }
   if (!s.bodem.empty() && scr_ctx->message[0] == 0) {
-    scr_print(A_LABEL, scr_ctx->lines, 1, "%s", s.bodem);
+    const int kol = scr_ctx->cols - static_cast<int>(s.bodem.size());  // messages begin at the left
+    scr_print(A_LABEL, scr_ctx->lines, kol, "%s", s.bodem);
   }
   verf_kop(s);
   if (!s.leeg.empty()) {
@@ -281,6 +282,11 @@ bool svd_plaats(const Svd& s, int fil, int maat, int* rij, int* kol) {
     return true;
   }
   return false;
+}
+
+void svd_meld(const Tekst& melding) {
+  scr_clreol(scr_ctx->lines, 1);
+  scr_error("%s", txt(melding));
 }
 
 void svd_vergeet(Svd& s, int rij, int kol) { s.getoond.erase({rij, kol}); }

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "isam/tekst.h"
 #include "sub/advies.h"
 
 /// What an operator may choose: the views, and what is done to them.
@@ -73,6 +74,8 @@ void svd_terminal(Svd&);
 void svd_teken(Svd&);
 /// Row and column of a cell in sight; `fil` B is the chain's row.
 bool svd_plaats(const Svd&, int fil, int maat, int* rij, int* kol);
+/// A message on the bottom row, which is cleared for it.
+void svd_meld(const Tekst&);
 /// A field was drawn over this cell.
 void svd_vergeet(Svd&, int rij, int kol);
 /// Moves the cell cursor by a key, at most to row `laatste`; false when the key moves nothing.

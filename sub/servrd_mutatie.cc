@@ -108,7 +108,7 @@ void loop_cellen(Svd& s, const Keuze& k, bool eindigt, Doe doe, Klaar klaar) {
 
 /// What of the pieces that a branch gets comes from the warehouse.
 int32_t uit_magazijn(int fil, size_t cel) {
-  const int32_t geeft = -std::min(voorlopig(advies.groep.magazijn, cel), 0);
+  const int32_t geeft = svd_min(0, std::min(voorlopig(advies.groep.magazijn, cel), 0));
   return std::min(std::max(voorlopig(fil, cel), 0), geeft);
 }
 
@@ -121,7 +121,7 @@ Cel voer_magazijn_in(Svd& s, int fil, int maat, int rij, int kol) {
   const int64_t ruimte =
       int64_t{vrij(advies, magazijn, static_cast<int>(cel))} + voorlopig(magazijn, cel);
   if (int64_t{nieuw} - oud > ruimte) {
-    scr_error("%s", txt(T_SVD_MAG_TEVEEL));
+    svd_meld(T_SVD_MAG_TEVEEL);
     return Cel::geweigerd;
   }
   verplaats(magazijn, fil, cel, nieuw - oud);
@@ -149,7 +149,7 @@ bool vraag_filiaal(Keuze& k, int* kol) {
     *kol = veld + scr_print(A_WAARDE, promptrij(), veld, "%s",
                             alle ? std::string(txt(T_SVD_ALLE)) : str_format("%d", fil));
     if (!k.filialen.empty()) return true;
-    scr_error("%s", txt(T_SVD_MAG_NIET));
+    svd_meld(T_SVD_MAG_NIET);
   }
 }
 
@@ -168,7 +168,7 @@ bool vraag_maat(Keuze& k, int kol) {
       if (alle || memcmp(tekst.data(), maat, sizeof maat) == 0) k.maten.push_back(m);
     }
     if (!k.maten.empty()) return true;
-    scr_error("%s", txt(T_ZOEK_MAAT_FOUT));
+    svd_meld(T_ZOEK_MAAT_FOUT);
   }
 }
 
@@ -210,7 +210,7 @@ void zet_cel(Svd& s, int fil, size_t cel, int32_t nieuw) {
 Cel voer_keten_in(const Svd& s, size_t cel, int rij, int kol) {
   int32_t waarde = s.tabel.back()[cel];
   if (!voer_cel_in(s, rij, kol, "E", &waarde)) return Cel::goed;
-  scr_error("%s", txt(T_SVD_KETEN_VAST));
+  svd_meld(T_SVD_KETEN_VAST);
   return Cel::geweigerd;
 }
 
@@ -223,7 +223,7 @@ Cel voer_filiaal_in(Svd& s, int fil, int maat, int rij, int kol) {
   scr_ctx->ing->max = over < 0 ? oud : std::max(oud, NIEUW_MAX);
   if (!voer_cel_in(s, rij, kol, "E", &nieuw)) return Cel::goed;
   if (over >= 0 && int64_t{over} + oud < nieuw) {
-    scr_error("%s", txt(T_SVD_TOT_TEVEEL));
+    svd_meld(T_SVD_TOT_TEVEEL);
     return Cel::geweigerd;
   }
   zet_cel(s, fil, cel, nieuw);
@@ -233,7 +233,7 @@ Cel voer_filiaal_in(Svd& s, int fil, int maat, int rij, int kol) {
 bool alles_verdeeld(const Svd& s) {
   const bool verdeeld = std::ranges::all_of(
       advies.maten, [&s](uint8_t m) { return m >= MATEN || s.tabel.back()[m] == 0; });
-  if (!verdeeld) scr_error("%s", txt(T_SVD_NIET_VERDEELD));
+  if (!verdeeld) svd_meld(T_SVD_NIET_VERDEELD);
   return verdeeld;
 }
 

@@ -41,8 +41,8 @@ void svd_uitleg(Svd& s) {
   if (r == nullptr || maat == 0 || s.fil >= advies.filialen()) return;
   const std::vector<std::string> regels = adv_uitleg(advies, *r, adv_rec, svd_vraag(s.slot), s.fil,
                                                      static_cast<int>(maat), BREEDTE - 4);
-  const int nodig = static_cast<int>(regels.size()) + 3;
-  const Venster venster(RIJ, 3, std::min(nodig, scr_ctx->lines - RIJ - 1), BREEDTE);
+  const int hoog = std::min(static_cast<int>(regels.size()) + 3, scr_ctx->lines - RIJ - 1);
+  const Venster venster(scr_ctx->lines - hoog, 3, hoog, BREEDTE);
   const std::string titel = str_format(txt(T_SVD_UITLEG), s.fil, svd_maattekst(s.maat));
   win_title(" %s ", titel);
   const int hoogte = std::max(win_height() - 1, 1);
