@@ -22,7 +22,7 @@ enum SvdCode : int {
   SVD_VERKOPEN = 13,  // with the sales matrix
   SVD_ZONDER = 14,
   SVD_UITLEG = 15,
-  SVD_INFO = 16,
+  SVD_INFO = 16,  // from the stock views; goes on with SVD_AANVULINFO
   SVD_VERDER = 19,
   SVD_TERUG = 20,
   SVD_ANDER = 21,

@@ -15,7 +15,10 @@ bool voorraadzicht(const Svd& s) { return s.zicht <= SVD_MUTATIES; }
 bool ander_zicht(const Svd& s, int code) { return s.zicht != code; }
 bool advies_aanwezig(const Svd& s, int code) { return s.zicht != code && svd_heeft(code); }
 bool op_advies(const Svd& s, int) { return svd_uitkomst(s.zicht) != nullptr && s.leeg.empty(); }
-bool info_tonen(const Svd& s, int code) { return s.zicht != code && svd_heeft_info(); }
+bool info_zicht(const Svd& s, int code) {
+  return s.zicht != code && !voorraadzicht(s) && svd_heeft_info();
+}
+bool info_scherm(const Svd& s, int) { return voorraadzicht(s) && svd_heeft_info(); }
 bool info_aanwezig(const Svd&, int) { return svd_heeft_info(); }
 bool mutaties(const Svd& s, int) { return voorraadzicht(s) && s.zicht != SVD_MUTATIES; }
 bool actueel(const Svd& s, int) { return !voorraadzicht(s); }
@@ -40,7 +43,8 @@ constexpr Optie OPTIES[] = {
     {SVD_SWITCH, &T_SVD_O_SWITCH, advies_aanwezig},
     {SVD_HERVERDEEL, &T_SVD_O_HERVERDEEL, advies_aanwezig},
     {SVD_DISTRIBUTIE, &T_SVD_O_DISTRIBUTIE, advies_aanwezig},
-    {SVD_AANVULINFO, &T_SVD_O_AANVULINFO, info_tonen},
+    {SVD_AANVULINFO, &T_SVD_O_AANVULINFO, info_zicht},
+    {SVD_INFO, &T_SVD_O_AANVULINFO, info_scherm},
     {SVD_WISINFO, &T_SVD_O_WISINFO, info_aanwezig},
     {SVD_WIJZIGEN, &T_SVD_O_WIJZIGEN, heeft_maten},
     {SVD_CRITERIA, &T_SVD_O_CRITERIA, altijd},

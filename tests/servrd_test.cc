@@ -387,7 +387,10 @@ TEST(Breed, TwoBlocksOfBranchesThatScrollTogether) {
   t.type("m");
   EXPECT_EQ(t.text(20, 67, 23), "39     0    0 1234 1234");
   EXPECT_TRUE(t.row(24).ends_with(" I + - Z"));
-  t.type(toets::Esc);
+  t.type("i", "w", "1", "18\r", "38\r", "2\r");
+  EXPECT_EQ(t.text(7, 67, 24), "18     2>   0    0    2 ");
+  EXPECT_EQ(t.text(5, 1, 24), "0      3<   5    0    8 ");
+  t.type(toets::Esc, toets::Esc);
 }
 
 TEST(Breed, AWindowThatStaysNarrowScrolls) {
@@ -406,6 +409,14 @@ TEST(Breed, AWindowThatStaysNarrowScrolls) {
   EXPECT_EQ(t.text(20, 1, 8), "39    7 ");
   EXPECT_TRUE(t.row(24).ends_with(" I N + - Z"));
   EXPECT_EQ(t.text(21, 1, 8), "TOT  15 ");
+}
+
+TEST(Breed, ASeriesWithoutSizesHasNoColumns) {
+  Keten k(4);
+  Terminal t = toon(k, ADV_MUTATIES, [] { advies.maten.clear(); });
+  EXPECT_EQ(t.row(4), "fil tot");
+  t.type(toets::Right, toets::Down);
+  EXPECT_EQ(t.row(24), "Uw keuze  X 2 3 K E S + - Z");
 }
 
 TEST(Uitleg, TellsWhyInAWindowThatScrolls) {
