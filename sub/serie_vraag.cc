@@ -135,7 +135,8 @@ struct Index {
 };
 
 /// The series of one brand by model, for this search and for who goes on from the series found.
-void vul_modelindex(uint16_t merk) {
+/// False when the operator broke off.
+bool vul_modelindex(uint16_t merk) {
   const Index series("DTSER", KEY_MERK);
   ICB* models = sort_maak(privaat.r, "MAKV");
   DtSer rec{};
@@ -146,6 +147,7 @@ void vul_modelindex(uint16_t merk) {
     IXADDKEYS(models, &rec);
   }
   IXCLOSE(models);
+  return !scr_interrupted();
 }
 
 DtSer gevraagde_serie() {
@@ -184,8 +186,8 @@ bool zoek_artg_model(Serienr* nr) {
 }
 
 bool zoek_merk_model(Serienr* nr) {
-  vul_modelindex(gevraagd.merk);
   gevraagd.artgroep = 0;
+  if (!vul_modelindex(gevraagd.merk)) return false;
   const Index index(privaat.r, KEY_NUMMER);
   return zoek_model(index.icb, 1, nr);
 }
@@ -193,18 +195,30 @@ bool zoek_merk_model(Serienr* nr) {
 // The fields: false when the operator left --------------------------------------------------------
 
 /// The field takes its choice in an index of its own: DTMERK.nn belongs to the selection.
+struct Merkkeuze {
+  std::string naam = str_format("DTMERK.Q%02ld", session_terminal);
+  ICB* icb = IXCREATE(naam.c_str(), IX_EXCLUSIEF);
+  Merkkeuze() {
+    IXUPDFCB(icb, 0, str_format("merktmp,%d", static_cast<int>(sizeof(DtMerk))).c_str());
+    IXUPDFCB(icb, 1, "merknr,NODUPS,I,1,2");
+    IXINITIX(icb);
+  }
+  ~Merkkeuze() {
+    IXCLOSE(icb);
+    IXREMOVE(naam.c_str());
+  }
+  Merkkeuze(const Merkkeuze&) = delete;
+  Merkkeuze& operator=(const Merkkeuze&) = delete;
+};
+
+/// Of several brands that were marked the first counts; all of them are no brand, and asked again.
 bool veld_merk(int rij) {
-  const std::string naam = str_format("DTMERK.Q%02ld", session_terminal);
-  ICB* gekozen = IXCREATE(naam.c_str(), IX_EXCLUSIEF);
-  IXUPDFCB(gekozen, 0, str_format("merktmp,%d", static_cast<int>(sizeof(DtMerk))).c_str());
-  IXUPDFCB(gekozen, 1, "merknr,NODUPS,I,1,2");
-  IXINITIX(gekozen);
-  key_allow(K_CANCEL);
-  ing_merk(rij, K_VELD, "E", &gevraagd.merk, gekozen);
-  const bool weg = weg_toets();
-  IXCLOSE(gekozen);
-  IXREMOVE(naam.c_str());
-  if (weg || gevraagd.merk == 0) return false;
+  const Merkkeuze keuze;
+  do {
+    key_allow(K_CANCEL);
+    ing_merk(rij, K_VELD, "E", &gevraagd.merk, keuze.icb);
+    if (weg_toets()) return false;
+  } while (gevraagd.merk == 0);
   DtMerk merk{};
   lees_merk(dtmerk, &merk, gevraagd.merk);
   scr_print(A_WAARDE, rij, K_VELD + 6, "%-20.20s", veld_tekst(merk.naam, sizeof merk.naam));
@@ -281,8 +295,9 @@ bool serie_vraag(SerieVraag vraag, Serienr* nr) {
   for (int i = 0; i < VELDEN && m.velden[i].label != nullptr; ++i)
     scr_print(A_LABEL, RIJ + i, K_LABEL, "%s", txt(*m.velden[i].label));
   scr_print(A_LABEL, scr_ctx->lines - 1, K_LABEL, "%s", txt(T_VRAAG_LEEG));
-  while (voer_velden_in(m)) {
-    if (m.zoek(nr)) return true;
-  }
-  return false;
+  do {
+    scr_intr_reset();  // what was broken off before does not count here
+    if (!voer_velden_in(m)) return false;
+  } while (!m.zoek(nr));
+  return true;
 }

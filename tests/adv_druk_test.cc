@@ -79,6 +79,43 @@ TEST_F(Druk, ABlockOfASeriesHasALineForEachBranchThatGetsOrGives) {
   EXPECT_EQ(dtpick->record_count, 0) << "nothing is written";
 }
 
+/// Twenty sizes do not fit on a line: those of the second line follow with their own branches.
+TEST_F(Druk, ManySizesTakeSeveralLines) {
+  DtMaat rec{};
+  rec.land = 1;
+  rec.maatsoort = 2;
+  IXWRITE(dtmaat, &rec);
+  MaatHandle* h = mtopen(1, 2, MT_WIJZIG);
+  for (uint8_t i = 1; i <= 20; ++i) {
+    MaatRec m{};
+    m.positie = i;
+    memcpy(m.tekst, str_format("%3d", 30 + i).c_str(), sizeof m.tekst);
+    mtvoegtoe(h, &m);
+  }
+  mtclose(h);
+  DtSer s{};
+  s.nr = JAS;
+  IXREAD(dtser, &s);
+  s.maatsoort = 2;
+  memset(s.maten, 0xFF, sizeof s.maten);
+  IXWRITE(dtser, &s);
+  for (const uint8_t maat : {uint8_t{15}, uint8_t{16}, uint8_t{20}}) {
+    stuk(JAS, ETI_VOORRAAD, maat, 0);
+    verkocht(JAS, maat, maat == 15 ? 3 : 4);
+  }
+  const std::string tekst = lijst(advies(adv_druk_series));
+  std::istringstream in(tekst);
+  std::string regel[6];
+  for (std::string& r : regel) std::getline(in, r);
+  EXPECT_EQ(regel[0].substr(56),
+            std::string(15, ' ') + "  31  32  33  34  35  36  37  38  39  40  41  42  43  44  45");
+  EXPECT_EQ(regel[1].substr(56), "    3    0   0 " + std::string(58, ' ') + "-1");
+  EXPECT_EQ(regel[2].substr(56), "    0    1   3 " + std::string(59, ' ') + "1");
+  EXPECT_EQ(regel[3].substr(56), std::string(15, ' ') + "  46  47  48  49  50");
+  EXPECT_EQ(regel[4].substr(56), "    3    0   0   -1              -1") << tekst;
+  EXPECT_EQ(regel[5].substr(56), "    0    2   4    1               1");
+}
+
 TEST_F(Druk, PiecesOfReceivingBranchesThatAskForAnother) {
   for (int i = 0; i < 4; ++i) stuk(ROK, ETI_VOORRAAD, 2, 0);
   Etiket e = proef_etiket(ROK, ETI_VERKOPEN, 2, 3);

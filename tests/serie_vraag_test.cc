@@ -97,8 +97,11 @@ TEST_F(Vraag, ABrandWithoutSeriesIsTold) {
   Terminal t = vraag(SerieVraag::merk_model);
   t.type("9", Enter, Enter);
   EXPECT_SHOWS(t, "Serie onbekend");
-  t.type(Esc);
+  t.type(F5, F10, F6, F3);  // all brands marked: the field again
+  EXPECT_SHOWS(t, "Ingave merk-model");
+  t.type(F5, Down, Enter, Esc, Esc);
   EXPECT_SHOWS(t, "KLAAR weg");
+  EXPECT_FALSE(std::filesystem::exists("DTMERK.Q07"));
 }
 
 }  // namespace
