@@ -1,10 +1,16 @@
 // The program voorraad as an operator has it: its menu on the demo chain, who may choose what and
 // when, and the commands against each other on two terminals.
 #include <cstdlib>
-#include <fstream>
+#include <map>
+#include <sstream>
 
 #include "isam/ix.h"
+#include "main/batchvw.h"
+#include "main/controle.h"
+#include "main/iotab.h"
 #include "sub/records.h"
+#include "tests/support/agent.h"
+#include "tests/support/bestand.h"
 #include "tests/support/terminal.h"
 #include "tests/support/tijdelijk.h"
 
@@ -45,7 +51,7 @@ struct DemoKeten {
     IXINIT(icb);
     IXCLOSE(icb);
   }
-  void datacom() const { std::ofstream(*this / "DTDCIF.TXT") << std::string(28, '\1'); }
+  void datacom() const { zet_bytes(*this / "DTDCIF.TXT", std::string(28, '\1')); }
 };
 
 /// Whether the number of an entry stands bold: it can be chosen. Not for the one in the bar.
@@ -114,6 +120,108 @@ TEST(VoorraadMenu, RightsAndWhatThereIs) {
   EXPECT_FALSE(i.shows("ADVIEZEN"));
   i.type(toets::Enter);
   EXPECT_SHOWS(i, "Hoofdmenu");
+}
+
+// Commands against each other ---------------------------------------------------------------------
+
+/// What a command claims in order, 'S' its session's byte and 'X' the whole function, and the keys
+/// that take the operator back from its first question to the menu.
+struct Commando {
+  const char *nummer, *claims;
+  std::vector<const char*> terug;
+};
+const std::vector<Commando> COMMANDOS = {{"11", "S10", {toets::Esc, toets::Esc, toets::Esc}},
+                                         {"22", "S9 X10", {"N", toets::Enter}},
+                                         {"23", "S9 S10 S11", {toets::Esc, toets::Esc}},
+                                         {"24", "S9 S10 S11", {toets::Esc, toets::Esc}},
+                                         {"25", "S9", {toets::Esc}},
+                                         {"26", "S9", {toets::Esc}},
+                                         {"27", "S9", {toets::Esc}},
+                                         {"31", "S10", {toets::Esc, toets::Esc}},
+                                         {"33", "S10", {toets::Esc}},
+                                         {"32", "X9 X10", {}},  // would change orders
+                                         {"34", "X9 X10 S11 S12", {}}};
+
+struct Claim {
+  char soort;
+  int functie;
+};
+std::vector<Claim> claims(const std::string& tekst) {
+  std::vector<Claim> lijst;
+  std::istringstream in(tekst);
+  for (std::string woord; in >> woord;) lijst.push_back({woord[0], std::stoi(woord.substr(1))});
+  return lijst;
+}
+
+/// The dialog that meets the second of two commands; empty when both can go on.
+std::string hindernis(const std::string& bezet, const std::string& wil) {
+  for (const Claim& w : claims(wil))
+    for (const Claim& b : claims(bezet))
+      if (w.functie == b.functie && (w.soort == 'X' || b.soort == 'X'))
+        return w.soort == 'X' ? "Er zijn gebruikers actief die verwerking blokkeren!"
+                              : "Verwerking is actief";
+  return "";
+}
+
+/// Terminal 5, which claims what it is told and tells what terminal 1 has claimed.
+struct Buurman {
+  explicit Buurman(const std::string& map)
+      : agent([map](const std::string& vraag) {
+          if (session_terminal != 5) {
+            std::filesystem::current_path(map);
+            session_terminal = 5;
+            int32_t nummer = 1;
+            iotab('O', &nummer, &sys_rec1, SYS_RECORDS);
+          }
+          if (vraag != "?") {
+            bool goed = true;
+            for (const Claim& c : claims(vraag))
+              goed =
+                  (c.soort == 'X' ? vw_claim_excl(c.functie) : vw_claim(c.functie, true)) && goed;
+            return std::string(goed ? "ja" : "nee");
+          }
+          std::string uit;
+          for (int f = 0; f < 16; ++f) {
+            const auto bezet = [f](int sessie) {
+              return !vw_lock('T', iotab_fd(), 40084 + 99 * f + sessie, 1);
+            };
+            if (bezet(1))
+              uit +=
+                  (uit.empty() ? "" : " ") + std::string(bezet(98) ? "X" : "S") + std::to_string(f);
+          }
+          return uit;
+        }) {}
+  Agent agent;
+};
+
+TEST(VoorraadClaims, EachCommandAgainstWhatAnotherHolds) {
+  const DemoKeten keten;
+  for (const char* bezet : {"", "S10", "S9 X10", "S9 S10 S11", "S9", "X9 X10", "X9 X10 S11 S12"}) {
+    Buurman buurman(keten.map.pad);
+    ASSERT_EQ(buurman.agent.ask(bezet), "ja");
+    Terminal t = keten.voorraad();
+    for (const Commando& c : COMMANDOS) {
+      SCOPED_TRACE(std::string(c.nummer) + " against " + bezet);
+      const std::string soll = hindernis(bezet, c.claims);
+      ASSERT_TRUE(t.shows("Adviezen en opdrachten"));
+      t.type_now(c.nummer);
+      if (!soll.empty()) {
+        EXPECT_TRUE(t.wait_for(soll));
+        t.type_now(toets::in("N"));
+        EXPECT_TRUE(t.wait_for("Adviezen en opdrachten"));
+        EXPECT_EQ(buurman.agent.ask("?"), "");
+        continue;
+      }
+      EXPECT_TRUE(t.ready());
+      EXPECT_FALSE(t.shows("Wilt u wachten"));
+      EXPECT_EQ(buurman.agent.ask("?"), c.claims);
+      for (const char* toets : c.terug) t.type(toets);
+      if (c.terug.empty()) {
+        t = Terminal();
+        t = keten.voorraad();
+      }
+    }
+  }
 }
 
 }  // namespace
