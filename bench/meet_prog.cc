@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <set>
 
+#include "bench/advies_meet.h"
 #include "bench/gegevens.h"
 #include "bench/machine.h"
 #include "bench/partij.h"
@@ -302,6 +303,7 @@ std::vector<Rij> alles() {
     zeg("one brand");
     rijen.push_back(merk_meet(opzet.saldo / 20));
   }
+  if (opzet.doen(12)) rijen.push_back(advies_rij());
   naar("machine");
   machine_sluit();
   return rijen;

@@ -25,19 +25,19 @@ void wis_uitkomst(Advies& a) {
 
 /// Counts that wrap: a broken file's quantities must not stop the program.
 void tel_rijen(MaatMatrix& m) {
-  std::array<uint32_t, MATEN> keten{};
+  uint32_t samen[MATEN] = {};
   for (size_t b = 0; b + 1 < m.size(); ++b) {
+    int32_t* const rij = m[b].data();
     uint32_t som = 0;
-    for (size_t s = 1; s < MATEN; ++s) {
-      const auto n = static_cast<uint32_t>(m[b][s]);
-      som += n;
-      keten[s] += n;
+    rij[0] = 0;  // all 96 cells are walked: the compiler then takes several at a time
+    for (size_t s = 0; s < MATEN; ++s) {
+      som += static_cast<uint32_t>(rij[s]);
+      samen[s] += static_cast<uint32_t>(rij[s]);
     }
-    m[b][0] = static_cast<int32_t>(som);
-    keten[0] += som;
+    rij[0] = static_cast<int32_t>(som);
+    samen[0] += som;
   }
-  std::transform(keten.begin(), keten.end(), m.back().begin(),
-                 [](uint32_t n) { return static_cast<int32_t>(n); });
+  for (size_t s = 0; s < MATEN; ++s) m.back()[s] = static_cast<int32_t>(samen[s]);
 }
 
 void maak_bron(Advies& a, const uint8_t* vanuit) {

@@ -22,7 +22,7 @@ void vul_maat(Advies& a, MaatMatrix& r, int s) {
   size_t n = 0;
   for (const int b : a.adv_volgorde)
     if (bezwaar_aanvul(a, r, b, s) == AdvReden::geen)
-      wie[n++] = {b, krap(int64_t{aanvul_wens(a, b, s)} - cel(r, b, s)), 0};
+      wie[n++] = {b, krap(int64_t{aanvul_wens(a, b, s)} - cel(r, b, s))};
   eerlijk_verdeel(a, s, std::span(wie).first(n), voorraad, [&](int b) {
     verplaats(a, r, {r, AdvRegel::aanvul_verkocht, nullptr, s, magazijn(a), b, 1});
   });
@@ -34,29 +34,41 @@ struct Gever {
   int32_t kan, verkocht;
 };
 
+/// True when x gives after y: who can give most goes first, of equals who sells least, and of those
+/// the first branch.
+bool na(const Gever& x, const Gever& y) {
+  if (x.kan != y.kan) return x.kan < y.kan;
+  return x.verkocht != y.verkocht ? x.verkocht > y.verkocht : x.filiaal > y.filiaal;
+}
+
+/// The branches that have more than the minimum, as a heap. A taker stands below it, and is not
+/// brought above it, so none has to be added on the way.
 struct Gevers {
   std::array<Gever, 256> wie;
-  size_t n = 0;
+  ptrdiff_t n = 0;
+  int32_t minimum;
 
-  Gevers(const Advies& a, const MaatMatrix& r, int s) {
-    for (int b = 0; b < a.filialen(); ++b)
-      if (in_set(a.bron, b))
-        wie[n++] = {b, krap(int64_t{vrij(a, b, s)} + cel(r, b, s)), cel(a.m_verkocht, b, 0)};
-  }
-  /// Who can give most, of equals who sells least, and of those the first.
-  Gever* beste(int nemer) {
-    Gever* beste = nullptr;
-    for (Gever& g : std::span(wie).first(n)) {
-      if (g.filiaal == nemer || g.kan < 0) continue;
-      if (beste == nullptr || g.kan > beste->kan ||
-          (g.kan == beste->kan && g.verkocht < beste->verkocht))
-        beste = &g;
+  Gevers(const Advies& a, const MaatMatrix& r, int s) : minimum(a.groep.minimum) {
+    for (int b = 0; b < a.filialen(); ++b) {
+      if (!in_set(a.bron, b)) continue;
+      const int32_t kan = krap(int64_t{vrij(a, b, s)} + cel(r, b, s));
+      if (kan > minimum) wie[static_cast<size_t>(n++)] = {b, kan, cel(a.m_verkocht, b, 0)};
     }
-    return beste;
+    std::make_heap(wie.begin(), wie.begin() + n, na);
   }
-  void ontvangt(int nemer) {
-    for (Gever& g : std::span(wie).first(n))
-      if (g.filiaal == nemer) ++g.kan;
+  /// Takes a piece from the one whose turn it is; -1 when nobody can.
+  int neem(int nemer) {
+    while (n > 0) {
+      std::pop_heap(wie.begin(), wie.begin() + n, na);
+      Gever& g = wie[static_cast<size_t>(n - 1)];
+      const int b = g.filiaal;
+      if (b == nemer || --g.kan <= minimum)
+        --n;
+      else
+        std::push_heap(wie.begin(), wie.begin() + n, na);
+      if (b != nemer) return b;
+    }
+    return -1;
   }
 };
 
@@ -65,11 +77,9 @@ void switch_maat(Advies& a, const MaatMatrix& vraag, MaatMatrix& r, int s) {
   // A giver keeps its minimum and so never comes to need a piece: one walk over the takers does.
   for (const int nemer : a.adv_volgorde) {
     while (bezwaar_minimum(a, vraag, cel(r, nemer, s), nemer, s) == AdvReden::geen) {
-      Gever* g = gevers.beste(nemer);
-      if (g == nullptr || g->kan <= a.groep.minimum) return;
-      verplaats(a, r, {r, AdvRegel::switch_minimum, &vraag, s, g->filiaal, nemer, 1});
-      --g->kan;
-      gevers.ontvangt(nemer);
+      const int gever = gevers.neem(nemer);
+      if (gever < 0) return;
+      verplaats(a, r, {r, AdvRegel::switch_minimum, &vraag, s, gever, nemer, 1});
     }
   }
 }

@@ -61,7 +61,8 @@ AdvReden bezwaar(const Advies& a, AdvRegel regel, const MaatMatrix* vraag, const
 struct Kandidaat {
   int filiaal;
   int32_t ruimte;  // pieces that it may still get
-  int32_t stand;   // eerlijk_verdeel fills it
+  // eerlijk_verdeel fills these; the score wraps
+  uint32_t gewicht = 0, stand = 0;
 };
 
 /// Pieces given, a branch.
@@ -96,26 +97,34 @@ inline void noteer(Advies& a, const Zet& zet) {
 
 template <class Geef>
 int32_t eerlijk_verdeel(Advies& a, int s, std::span<Kandidaat> wie, int32_t stuks, Geef geef) {
-  const auto& gewicht = a.verdeel.verdeel_gewicht;
-  const size_t kolom = a.verdeel.per_maat ? static_cast<size_t>(s) : 0;
-  for (Kandidaat& k : wie) k.stand = a.verdeel.verdeel_stand[static_cast<size_t>(k.filiaal)][kolom];
+  const Verdeelstand& v = a.verdeel;
+  const size_t kolom = v.per_maat ? static_cast<size_t>(s) : 0;
+  for (Kandidaat& k : wie) {
+    const auto b = static_cast<size_t>(k.filiaal);
+    k.stand = static_cast<uint32_t>(v.verdeel_stand[b][kolom]);
+    k.gewicht = static_cast<uint32_t>(v.verdeel_gewicht[b]);
+  }
+  const auto som = static_cast<uint32_t>(v.verdeel_gewicht.back());
   // Only the candidates' scores are kept up piece by piece; everybody's follows in one go below.
   Giften giften{};
   size_t over = wie.size();
   for (; stuks > 0 && over > 0; --stuks) {
     size_t beste = 0;
-    for (size_t i = 1; i < over; ++i)
-      if (wie[i].stand > wie[beste].stand) beste = i;
-    const auto b = static_cast<size_t>(wie[beste].filiaal);
-    for (Kandidaat& k : wie.first(over))
-      k.stand = krap(int64_t{k.stand} + gewicht[static_cast<size_t>(k.filiaal)]);
-    wie[beste].stand = krap(int64_t{wie[beste].stand} - gewicht.back());
-    ++giften[b];
-    geef(static_cast<int>(b));
-    if (--wie[beste].ruimte > 0) continue;
-    std::copy(wie.begin() + static_cast<ptrdiff_t>(beste) + 1,
-              wie.begin() + static_cast<ptrdiff_t>(over),
-              wie.begin() + static_cast<ptrdiff_t>(beste));
+    auto hoogste = static_cast<int32_t>(wie[0].stand);
+    for (size_t i = 0; i < over; ++i) {
+      const auto stand = static_cast<int32_t>(wie[i].stand);
+      wie[i].stand += wie[i].gewicht;
+      if (stand <= hoogste) continue;
+      beste = i;
+      hoogste = stand;
+    }
+    Kandidaat& k = wie[beste];
+    k.stand -= som;
+    ++giften[static_cast<size_t>(k.filiaal)];
+    geef(k.filiaal);
+    if (--k.ruimte > 0) continue;
+    const auto eerste = wie.begin() + static_cast<ptrdiff_t>(beste);
+    std::copy(eerste + 1, wie.begin() + static_cast<ptrdiff_t>(over), eerste);
     --over;
   }
   eerlijk_boek(a, s, giften);

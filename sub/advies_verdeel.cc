@@ -71,7 +71,7 @@ struct Deling {
     size_t n = 0;
     for (int b = 0; b < a.filialen(); ++b)
       if (bezwaar_verdeel(a, a.r_aanvul, b, maat) == AdvReden::geen)
-        wie[n++] = {b, op_aantal(a) ? streef(a, b) - heeft(b) : INT32_MAX, 0};
+        wie[n++] = {b, op_aantal(a) ? streef(a, b) - heeft(b) : INT32_MAX};
     eerlijk_verdeel(a, maat, std::span(wie).first(n), krap(over),
                     [&](int b) { beweeg(b, 1, AdvRegel::verdeel_eerlijk); });
     beweeg(bewaarder, over, AdvRegel::verdeel_rest);
