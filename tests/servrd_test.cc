@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "isam/base.h"
+#include "main/werktabel.h"
 #include "scr/scr.h"
 #include "sub/adv_krit.h"
 #include "sub/adv_vul.h"
@@ -253,6 +254,43 @@ TEST(Matrix, OtherCriteriaAreCalculatedAtOnce) {
   EXPECT_TRUE(t.row(24).starts_with("Uw keuze  P O V"));
   t.type("p");
   EXPECT_EQ(t.row(5), "0    -2<  0   0  -2");
+}
+
+/// A series with pieces: five in the warehouse, one sold twenty days ago in branch 2.
+void laad_serie() {
+  mtclose(adv_maten);
+  adv_maten = nullptr;
+  werktabellen_open();
+  DtArt art{};
+  art.nummer = NR.artgroep;
+  art.vlaggen = 1;
+  Keten::voeg(dtart, art);
+  for (int i = 0; i < 6; ++i) {
+    Etiket e = proef_etiket(NR, i < 5 ? ETI_VOORRAAD : ETI_VERKOPEN, 1, i < 5 ? 0 : 2);
+    e.vrkdat = i < 5 ? 0 : static_cast<uint16_t>(date_today() - 20);
+    int32_t nummer = 0;
+    if (i == 0) nummer = ser_rec.blok1 * 10 + 1;
+    ioeti('W', &nummer, &e);
+  }
+  DtSer rec = ser_rec;
+  IXWRITE(dtser, &rec);
+  adv_open();
+  adv_vul();
+  advies.maten = {1, 2, 3};
+  zet(advies.m_voorlopig, 0, {-1, 0, 0});
+  zet(advies.m_voorlopig, 1, {1, 0, 0});
+}
+
+TEST(Matrix, OtherDaysOfSalesAreReadAndMutationsStay) {
+  Keten k(4);
+  Terminal t = toon(k, ADV_MUTATIES, laad_serie);
+  EXPECT_EQ(t.row(12), "VRK   0   0   0   0") << t.screen();
+  t.type("x", "4", toets::Enter, toets::Enter, toets::Enter, "30\r");
+  t.type(toets::Esc, toets::Esc);
+  EXPECT_EQ(t.row(12), "VRK   1   0   0   1") << t.screen();
+  t.type("1");
+  EXPECT_EQ(t.row(5), "0     4<  0   0   4") << t.screen();
+  EXPECT_EQ(t.row(6), "1     1>  0   0   1");
 }
 
 // Changing by hand --------------------------------------------------------------------------------
