@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <string>
 
 #include "isam/base.h"
@@ -126,13 +127,17 @@ void voet(OpdrachtSoort soort, int32_t stuks) {
   print_nl();
 }
 
-/// All series of the group that begins in `buf`.
+/// All series of the group that begins in `buf`; the operator may break the document off.
 void neem_groep(OpdrachtSoort soort, ICB* tabel, Verzamel& buf, bool* meer) {
   const Verzamel groep = buf;
   opdruk_groep = {groep.vanfil, groep.naarfil, groep.opdrachtnr, groep.orderdatum};
   uint32_t stuks = 0;
   do {
     stuks += static_cast<uint32_t>(neem_serie(soort, tabel, buf, meer));
+    if (scr_interrupted()) {
+      *meer = false;
+      return;
+    }
   } while (*meer && zelfde_groep(buf, groep));
   if (saldo_splits) voet(soort, static_cast<int32_t>(stuks));
   if (soort != OpdrachtSoort::bestaand) nieuw_blad = true;

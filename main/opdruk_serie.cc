@@ -1,8 +1,9 @@
 // One series of an order document: its description in the left 52 columns, one part a line, and its
 // size bar beside it in steps of 18 sizes, with the quantities of each receiving branch.
 #include <algorithm>
-#include <array>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "isam/base.h"
 #include "main/controle.h"

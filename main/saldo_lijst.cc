@@ -43,7 +43,8 @@ void lees_serie_gegevens(const Serienr& nr) {
   lees_merk(dtmerk, &merk_rec, ser_rec.merk);
   lees_lev(dtlev, &lev_rec, ser_rec.leverancier);
   lees_kleur(&kleur, nr.kleur);
-  mtkeep(&maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
+  // A damaged series may name no size type at all.
+  if (ser_rec.maatsoort != 0) mtkeep(&maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
 }
 
 bool zelfde_groep(const Verzamel& a, const Verzamel& b) {

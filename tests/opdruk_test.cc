@@ -1,5 +1,7 @@
 // The order document as text: whole pages of each kind, split and not, and where pages end.
 #include <cstring>
+#include <functional>
+#include <map>
 #include <regex>
 
 #include "isam/base.h"
@@ -101,16 +103,20 @@ struct Opdruk : ::testing::Test {
     saldo_pass(static_cast<int>(soort));
     return druk(soort, bladregels);
   }
-  static std::string druk(OpdrachtSoort soort, int bladregels) {
+  static std::string in_tekst(int bladregels, const std::function<void()>& werk) {
     char* bytes = nullptr;
     size_t n = 0;
     FILE* uit = open_memstream(&bytes, &n);
     prt_open_stil(uit, 132, bladregels);
-    opdruk_druk(soort);
+    werk();
     print_close("");
     fclose(uit);
     std::string tekst(bytes, n);
     free(bytes);
+    return tekst;
+  }
+  static std::string druk(OpdrachtSoort soort, int bladregels) {
+    std::string tekst = in_tekst(bladregels, [soort] { opdruk_druk(soort); });
     tekst = std::regex_replace(tekst, std::regex("\\d\\d-\\d\\d-\\d{4} \\d\\d:\\d\\d"),
                                "DD-MM-JJJJ UU:MM");
     tekst = std::regex_replace(tekst, std::regex("-{132}"), "=132=");
@@ -246,6 +252,27 @@ TEST_F(Opdruk, WideSizeBarsGoInStepsOfEighteen) {
 )");
 }
 
+TEST_F(Opdruk, SeriesStandInThePrintOrder) {
+  for (const Serienr& nr : {BLOUSE, BROEK, BREED}) regel(0, 3, nr, {{1, 1}});
+  const auto volgorde = [](const char* letters) {
+    str_printf(saldo_sort, sizeof saldo_sort, "%s", letters);
+    const std::string tekst = document(OpdrachtSoort::voorlopig);
+    std::map<size_t, std::string> plaats;
+    for (const char* nr : {"101000", "102003", "103000"}) plaats[tekst.find(nr)] = nr;
+    std::string uit;
+    for (const auto& [p, nr] : plaats) uit += nr.substr(0, 3) + " ";
+    return uit;
+  };
+  EXPECT_EQ(volgorde("AKV"), "101 102 103 ");
+  EXPECT_EQ(volgorde("LAKV"), "103 101 102 ");
+  DtSer ander{};
+  ander.nr = BLOUSE;
+  ASSERT_TRUE(IXREAD(dtser, &ander));
+  veld_zet(ander.model, sizeof ander.model, "Zomer");
+  Keten::voeg(dtser, ander);
+  EXPECT_EQ(volgorde("RMAKV"), "102 103 101 ");
+}
+
 /// The head takes eight lines, a series five, the foot of a pair two.
 TEST_F(Opdruk, FiveLinesStayTogether) {
   regel(0, 3, BLOUSE, {{1, 2}});
@@ -317,6 +344,8 @@ TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
 =132=
 VOOR FILIAAL  3  Filiaal 3                        TOT    5
 )");
+    EXPECT_NE(in_tekst(64, [] { saldo_druk(); }).find("Filiaal  3       0      5 stuks"),
+              std::string::npos);
   }
   IXINIT(dtpick);
   regel(255, 250, BLOUSE, {{1, 2}});

@@ -1,0 +1,174 @@
+// The commands that print orders, on a screen: what they ask in which order, what they leave behind
+// in DTPICK, and what keeps them out.
+#include <cstring>
+
+#include "isam/base.h"
+#include "main/batchvw.h"
+#include "main/controle.h"
+#include "main/iofil.h"
+#include "main/opdruk.h"
+#include "main/work.h"
+#include "prt/prt.h"
+#include "scr/scr.h"
+#include "sub/adv_krit.h"
+#include "sub/opdrnr.h"
+#include "tests/support/agent.h"
+#include "tests/support/keten.h"
+#include "tests/support/print_proef.h"
+#include "tests/support/terminal.h"
+
+namespace {
+
+using namespace toets;
+constexpr Serienr BLOUSE{10100, 10, 1}, BROEK{10200, 310, 4};
+
+struct Opdracht : ::testing::Test {
+  Keten k;
+
+  void SetUp() override {
+    k.open();
+    for (const Serienr& nr : {BLOUSE, BROEK}) Keten::serie(nr);
+    pick(0, 3, BLOUSE, 5);
+    pick(1, 4, BROEK, 7);
+    pick(2, 3, BLOUSE, 11, 20000011);
+    pick(2, 4, BROEK, 13, 20000011);
+    ASSERT_TRUE(prt_tabellen_maak());
+    prt_printer(2, "BESTAND", "afdruk.lst", 0, {0, 1, 1, 132, 64, "liggend", "", ""});
+    k.sluit();
+  }
+  static void pick(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t nummer = 0) {
+    DtPick r{};
+    r.vanfil = static_cast<uint8_t>(van);
+    r.naarfil = static_cast<uint8_t>(naar);
+    r.nr = nr;
+    r.opdrachtnr = nummer;
+    r.aantal[7] = stuks;
+    if (nummer != 0) r.orderdatum = date_number("03022026");
+    Keten::voeg(dtpick, r);
+  }
+  /// Runs the command in a program's own surroundings; "klaar" stands on row 22 behind it.
+  static Terminal start(void (*commando)()) {
+    return start_in_child([commando] {
+      ProefSysteem::open();
+      session_terminal = 7;
+      int32_t nummer = 7;
+      iotab('R', &nummer, &terminal_rec, SYS_TERMINALS);
+      iofil('O', 0, &filiaal_rec);
+      SCRINIT();
+      work_open();
+      commando();
+      hdr_line('C', "");
+      scr_print(A_WAARDE, 22, 1, "klaar%s%s", file_exists("TP07.TXT") ? " TP07" : "",
+                file_exists("TP07B.TXT") ? " TP07B" : "");
+      scr_enter(23, 1);
+      work_close();
+      scr_exit(0);
+    });
+  }
+  /// A report on the screen, from the choice of its destination to the end of the preview.
+  static void bekijk(Terminal& t, std::initializer_list<const char*> teksten) {
+    ASSERT_TRUE(t.shows("Printbestemming")) << t.screen();
+    t.type(Enter);
+    for (const char* tekst : teksten) EXPECT_TRUE(t.shows(tekst)) << tekst << "\n" << t.screen();
+    t.type(Esc);
+  }
+  static std::vector<DtPick> regels() {
+    ICB* icb = IXOPEN("DTPICK", IX_LEES);
+    std::vector<DtPick> uit;
+    DtPick r{};
+    for (bool er = IXFIRSTR(icb, &r); er; er = IXNEXT(icb, &r)) uit.push_back(r);
+    IXCLOSE(icb);
+    return uit;
+  }
+  /// Another terminal's process; "9" tries the whole function, without waiting.
+  static std::string ander(const std::string& functie) {
+    session_terminal = 99;
+    if (iotab_fd() < 0) ProefSysteem::open();
+    const bool houdt = functie[0] == 'h';
+    const int f = atoi(functie.c_str() + (houdt ? 1 : 0));
+    const bool ja = vw_claim_excl(f);
+    if (!houdt) vw_free_excl(f);
+    return ja ? "ja" : "nee";
+  }
+};
+
+TEST_F(Opdracht, ProvisionalOrdersAreOnlyLookedAt) {
+  Agent agent(ander);
+  Terminal t = start(opdracht_voorlopig);
+  EXPECT_TRUE(t.shows("Selectiecriteria"));
+  EXPECT_EQ(agent.ask("10"), "nee");
+  EXPECT_EQ(agent.ask("9"), "ja");
+  t.type(Esc);
+  EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
+  t.type("2");
+  bekijk(t, {"VERZAMELOPDRACHT FILIAAL 0 (voorlopig)", "101000100001"});
+  EXPECT_EQ(t.row(22), "klaar");
+  EXPECT_EQ(agent.ask("10"), "ja");
+  for (const DtPick& r : regels()) EXPECT_EQ(r.opdrachtnr, r.vanfil == 2 ? 20000011u : 0u);
+}
+
+TEST_F(Opdracht, LeavingTheOrderPrintsNothing) {
+  Terminal t = start(opdracht_voorlopig);
+  t.type(Esc);
+  t.type(Esc);
+  EXPECT_EQ(t.row(22), "klaar");
+}
+
+TEST_F(Opdracht, ANewOrderIsDefinitiveBeforeItIsPrinted) {
+  Agent agent(ander);
+  Terminal t = start(opdracht_nieuw);
+  ASSERT_TRUE(t.shows("Selectiecriteria"));
+  EXPECT_EQ(agent.ask("9"), "nee");
+  EXPECT_EQ(agent.ask("10"), "nee");
+  t.type(Esc);
+  ASSERT_TRUE(t.shows("Printbestemming"));
+  for (const DtPick& r : regels()) {
+    EXPECT_TRUE(opdrnr_ok(std::to_string(r.opdrachtnr).c_str()));
+    EXPECT_EQ(r.orderdatum, r.vanfil == 2 ? date_number("03022026") : date_today());
+  }
+  t.type(Down);
+  t.type(Enter);  // the document to the file
+  bekijk(t, {"Filiaal  0       5      0 stuks", "Filiaal  4       0      7 stuks"});
+  EXPECT_EQ(t.row(22), "klaar");
+  EXPECT_EQ(agent.ask("9"), "ja");
+  EXPECT_EQ(agent.ask("10"), "ja");
+  ASSERT_TRUE(
+      wacht_tot([] { return bytes_van("afdruk.lst").find("FILIAAL 1") != std::string::npos; }));
+  const std::string document = bytes_van("afdruk.lst");
+  EXPECT_NE(document.find("Opdrachtnr: 20000011"), std::string::npos);
+  EXPECT_NE(document.find("Opdrachtnr: 20000028"), std::string::npos) << "one number a pair";
+}
+
+TEST_F(Opdracht, ANewOrderWaitsForTheOthersAndGivesBothBack) {
+  Agent agent(ander), derde(ander);
+  ASSERT_EQ(agent.ask("h10"), "ja");
+  Terminal t = start(opdracht_nieuw);
+  EXPECT_TRUE(t.wait_for("Verwerking")) << t.screen();
+  EXPECT_EQ(derde.ask("9"), "nee") << "held while the second is waited for";
+  t.type_now("x");
+  EXPECT_TRUE(t.wait_for("J/N")) << t.screen();
+  t.type("N");
+  t.type(Enter);
+  EXPECT_EQ(t.row(22), "klaar");
+  EXPECT_EQ(derde.ask("9"), "ja");
+  for (const DtPick& r : regels()) EXPECT_EQ(r.orderdatum == 0, r.vanfil != 2);
+}
+
+TEST_F(Opdracht, AnOrderAgain) {
+  Terminal t = start(opdracht_bestaand);
+  EXPECT_TRUE(t.row(4).starts_with("Opdrachtnummer ________")) << t.screen();
+  t.type(Enter);
+  EXPECT_TRUE(t.shows("20000011   2 alle 03-02-26     24      2"));
+  t.type(Enter);
+  EXPECT_EQ(t.text(4, 16, 8), "20000011");
+  EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
+  t.type("1");
+  bekijk(t, {"VERZAMELOPDRACHT FILIAAL 2", "101000100001", "102003100004"});
+  bekijk(t, {"Filiaal  2      24      0 stuks", "Filiaal  3       0     11 stuks"});
+  EXPECT_EQ(t.row(22), "klaar");
+  Terminal u = start(opdracht_bestaand);
+  u.type(Esc);
+  EXPECT_EQ(u.row(22), "klaar");
+}
+
+}  // namespace
