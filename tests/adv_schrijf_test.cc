@@ -1,5 +1,6 @@
 // Order lines out of accepted movements: what is written balances with what was wanted, lines that
 // still fit are kept, and what has no other side writes nothing.
+#include <filesystem>
 #include <map>
 #include <random>
 
@@ -7,6 +8,7 @@
 #include "sub/adv_opdracht.h"
 #include "sub/adv_vul_intern.h"
 #include "sub/advies.h"
+#include "sub/tabeldef.h"
 #include "tests/support/keten.h"
 
 namespace {
@@ -162,6 +164,30 @@ TEST_F(AdvSchrijf, OnlyProvisionalLinesOfTheSeriesAreDeleted) {
   }
   EXPECT_EQ(over, 19);
   EXPECT_EQ(IXCHECK("DTPICK"), 4) << "nothing but deleted slots";
+}
+
+/// What a run that crashed left is used when it is ours and sound, and made anew when it is not.
+TEST_F(AdvSchrijf, TheWorkTableOfACrashIsKeptOnlyWhenItIsSound) {
+  const auto regels_na = [] {
+    IXCLOSE(tpck);
+    werktabellen_open();
+    EXPECT_EQ(tpck->record_length, 8);
+    EXPECT_TRUE(file_exists((std::string(privaat.tmpgo) + ".INX").c_str()));
+    return tpck->record_count;
+  };
+  oud(1, 2, 3, 4);
+  EXPECT_EQ(regels_na(), 1);
+  std::filesystem::resize_file(std::string(privaat.tpck) + ".INX", 1000);
+  EXPECT_EQ(regels_na(), 0);
+  oud(1, 2, 3, 4);
+  std::filesystem::remove(std::string(privaat.tpck) + ".TXT");
+  EXPECT_EQ(regels_na(), 0);
+  tabel_maak(TABEL_TMP_BROWSE, privaat.tpck);
+  EXPECT_EQ(regels_na(), 0);
+  werktabellen_sluit();
+  EXPECT_EQ(tpck, nullptr);
+  EXPECT_FALSE(file_exists((std::string(privaat.tpck) + ".TXT").c_str()));
+  EXPECT_FALSE(file_exists((std::string(privaat.tmpgo) + ".INX").c_str()));
 }
 
 /// Random wishes and old lines. Per size as much moves as the smaller of what is given and what is
