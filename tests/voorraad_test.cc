@@ -1,18 +1,23 @@
 // The program voorraad as an operator has it: its menu on the demo chain, who may choose what and
 // when, and the commands against each other on two terminals.
+#include <array>
 #include <cstdlib>
-#include <map>
+#include <cstring>
+#include <set>
 #include <sstream>
 
+#include "isam/base.h"
 #include "isam/ix.h"
 #include "main/batchvw.h"
 #include "main/controle.h"
 #include "main/iotab.h"
 #include "sub/records.h"
+#include "sub/tabellen.h"
 #include "tests/support/agent.h"
 #include "tests/support/bestand.h"
 #include "tests/support/terminal.h"
 #include "tests/support/tijdelijk.h"
+#include "tools/keten.h"
 
 namespace {
 
@@ -222,6 +227,140 @@ TEST(VoorraadClaims, EachCommandAgainstWhatAnotherHolds) {
       }
     }
   }
+}
+
+// The road of one advice --------------------------------------------------------------------------
+
+template <class R>
+std::vector<R> rijen(const std::string& pad) {
+  const std::string b = bytes_van(pad);
+  std::vector<R> uit;
+  for (size_t p = 0; p + sizeof(R) <= b.size(); p += sizeof(R)) {
+    const bool weg = b[p] == '\xFF' && b.find_first_not_of('\xFF', p + 5) >= p + sizeof(R);
+    if (weg) continue;
+    uit.emplace_back();
+    memcpy(static_cast<void*>(&uit.back()), b.data() + p, sizeof(R));
+  }
+  return uit;
+}
+
+struct Weg : ::testing::Test {
+  static constexpr int FILIALEN = 12;
+  DemoKeten keten;
+
+  std::vector<DtPick> regels(const Serienr& nr) const {
+    std::vector<DtPick> uit;
+    for (const DtPick& r : rijen<DtPick>(keten / "DTPICK.TXT"))
+      if (r.nr == nr) uit.push_back(r);
+    return uit;
+  }
+  DtSer serie(const Serienr& nr) const {
+    for (const DtSer& s : rijen<DtSer>(keten / "DTSER.TXT"))
+      if (s.nr == nr) return s;
+    return {};
+  }
+  size_t voorlopige() const {
+    size_t n = 0;
+    for (const DtPick& r : rijen<DtPick>(keten / "DTPICK.TXT")) n += r.opdrachtnr == 0;
+    return n;
+  }
+  /// The next report goes to the file; once `kenmerk` stands there the file is taken away. What it
+  /// says up to there.
+  std::string druk(Terminal& t, const std::string& kenmerk) const {
+    const std::string pad = keten / "afdruk.lst";
+    std::string lijst;
+    EXPECT_SHOWS(t, "Printbestemming");
+    t.type(toets::Down, toets::Enter);
+    EXPECT_TRUE(wacht_tot([&] {
+      lijst = bytes_van(pad);
+      return lijst.find(kenmerk) != std::string::npos;
+    })) << kenmerk;
+    std::filesystem::remove(pad);
+    return lijst;
+  }
+};
+
+/// The series number in the second row of the matrix.
+Serienr serie_op_scherm(Terminal& t) {
+  unsigned artgroep = 0, kleur = 0, volgnr = 0;
+  EXPECT_EQ(sscanf(t.row(2).c_str(), "%u.%u.%u", &artgroep, &kleur, &volgnr), 3) << t.screen();
+  return {artgroep, static_cast<uint16_t>(kleur), static_cast<uint16_t>(volgnr)};
+}
+
+/// The last column of a branch's row.
+int totaal_op_scherm(Terminal& t, int filiaal) {
+  std::istringstream rij(t.row(5 + filiaal));
+  int waarde = 0;
+  for (std::string woord; rij >> woord;) waarde = std::atoi(woord.c_str());
+  return waarde;
+}
+
+TEST_F(Weg, FromSeriesToBranch) {
+  Terminal t = keten.voorraad();
+  t.type("21", toets::Enter, toets::Esc);  // all series
+  EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
+
+  // The first series of which something was sold: its advice is accepted.
+  t.type("23", toets::Esc, "14");
+  EXPECT_SHOWS(t, "Handmatig aanmaken  Aanvuladvies");
+  const Serienr nr = serie_op_scherm(t);
+  std::array<int, FILIALEN> advies{};
+  for (int f = 0; f < FILIALEN; ++f) advies[static_cast<size_t>(f)] = totaal_op_scherm(t, f);
+  EXPECT_LT(advies[0], 0);  // out of the warehouse
+  t.type("=", toets::Esc, toets::Esc);
+  EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
+  std::array<int, FILIALEN> netto{};
+  for (const DtPick& r : regels(nr)) {
+    if (r.opdrachtnr != 0) continue;
+    for (int m = 1; m < MATEN; ++m) {
+      netto[r.vanfil] -= static_cast<int>(r.aantal[m]);
+      netto[r.naarfil] += static_cast<int>(r.aantal[m]);
+    }
+  }
+  EXPECT_EQ(netto, advies);
+
+  // On paper; nothing changes.
+  const std::string sleutel = serie_sleutel(nr);
+  const size_t voorlopig = voorlopige();
+  std::set<uint32_t> oud;
+  for (const DtPick& r : regels(nr)) oud.insert(r.opdrachtnr);
+  t.type("31", toets::Esc, toets::Enter);
+  EXPECT_NE(druk(t, sleutel).find("(voorlopig)"), std::string::npos);
+  EXPECT_EQ(voorlopige(), voorlopig);
+
+  // Definitive, of its brand only: document, then balance.
+  const uint16_t merk = serie(nr).merk;
+  t.type("32", "11", toets::in(std::to_string(merk)), toets::Esc);
+  druk(t, sleutel);
+  druk(t, "TOTAAL");
+  uint32_t opdracht = 0;
+  for (const DtPick& r : regels(nr)) {
+    EXPECT_NE(r.opdrachtnr, 0U);
+    if (!oud.contains(r.opdrachtnr)) opdracht = r.opdrachtnr;
+  }
+  ASSERT_NE(opdracht, 0U);
+  EXPECT_LT(voorlopige(), voorlopig);
+  EXPECT_GT(voorlopige(), 0U);  // other brands wait
+
+  // Once more on paper.
+  EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
+  t.type("33", toets::in(std::to_string(opdracht)), toets::Enter);
+  const std::string nogmaals = druk(t, sleutel);
+  EXPECT_NE(nogmaals.find(std::to_string(opdracht)), std::string::npos);
+  EXPECT_EQ(nogmaals.find("(voorlopig)"), std::string::npos);
+  druk(t, "TOTAAL");
+
+  // What is left goes straight out of stock.
+  const size_t onderweg = rijen<DtGo>(keten / "DTGO.TXT").size();
+  t.type("34", "I", toets::Esc);
+  druk(t, "ZOEKLIJST");
+  EXPECT_EQ(voorlopige(), 0U);
+  EXPECT_GT(rijen<DtGo>(keten / "DTGO.TXT").size(), onderweg);
+  t.type(toets::Esc, toets::Esc);
+  EXPECT_EQ(t.exit_status(), 0);
+  InMap in(keten.map.pad);
+  for (const std::string& fout : keten_keur())
+    EXPECT_NE(fout.find("vrije records"), std::string::npos) << fout;  // of deleted lines
 }
 
 }  // namespace
