@@ -32,6 +32,7 @@ void* operator new(size_t n) {
   if (p == nullptr) throw std::bad_alloc();
   return p;
 }
+void* operator new(size_t n, const std::nothrow_t&) noexcept { return malloc(n); }
 void operator delete(void* p) noexcept { free(p); }
 void operator delete(void* p, size_t) noexcept { free(p); }
 
