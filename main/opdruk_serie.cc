@@ -114,6 +114,7 @@ struct Blok {
   }
   void stappen(int aantal) {
     for (int stap = 0; stap < aantal; ++stap) {
+      if (opdruk_vol(2)) opdruk_kop(soort);
       maatregel(stap);
       if (saldo_splits) {
         const size_t naar = opdruk_groep.naarfil;
@@ -135,7 +136,10 @@ struct Blok {
   /// Under a bar of several lines the sizes stand above their totals again.
   void totalen(int aantal) {
     for (int stap = 0; stap < aantal; ++stap) {
-      if (aantal > 1 && !opdruk_vol(2)) maatregel(stap);
+      if (aantal > 1) {
+        if (opdruk_vol(2)) opdruk_kop(soort);
+        maatregel(stap);
+      }
       ruimte(stap);
       print_f("%51s   ", stap == 0 ? txt(T_OPDRUK_TOTAAL) : "");
       aantallen(werk8.back(), stap);

@@ -291,6 +291,25 @@ TEST_F(Opdruk, FiveLinesStayTogether) {
   EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, 17)), 2);
 }
 
+TEST_F(Opdruk, NoPageIsLongerThanItsPaper) {
+  saldo_splits = false;
+  for (int naar = 1; naar < 4; ++naar) {
+    regel(0, naar, BREED, {{40, 6}, {4, 11}, {1, 2}});
+    regel(0, naar, BLOUSE, {{1, 1}});
+  }
+  for (int bladregels = 10; bladregels < 40; ++bladregels) {
+    const std::string tekst = document(OpdrachtSoort::voorlopig, bladregels);
+    int regels = 0, bladen = 1;
+    for (size_t p = 0, eind; (eind = tekst.find('\n', p)) != std::string::npos; p = eind + 1) {
+      const bool blad = tekst.compare(p, eind - p, "=blad=") == 0;
+      bladen += blad;
+      regels = blad ? 0 : regels + 1;
+      EXPECT_LE(regels, bladregels);
+    }
+    EXPECT_EQ(koppen(tekst), bladen);
+  }
+}
+
 TEST_F(Opdruk, EachPairHasItsHeadOnPaperWithoutPages) {
   for (const int naar : {3, 4, 5}) regel(0, naar, BLOUSE, {{1, 2}});
   for (const int bladregels : {0, 64, 9999})
