@@ -58,6 +58,7 @@ std::vector<Doel> alles() {
     if (is_privaat(naam)) privaat.insert(naam);
   }
   std::vector<Doel> uit;
+  uit.reserve(tabellen.size() + privaat.size() + plat.size());
   for (const std::string& n : tabellen) uit.push_back({n, DoelSoort::tabel, false});
   for (const std::string& n : privaat) uit.push_back({n, DoelSoort::privaat, false});
   for (const std::string& n : plat) uit.push_back({n, DoelSoort::plat, false});

@@ -170,7 +170,7 @@ struct Regels {
   bool json;
   ordered_json rijen = ordered_json::array();
 
-  void neem(int64_t nr, ordered_json velden) {
+  void neem(int64_t nr, const ordered_json& velden) {
     if (!json) {
       fmt::print("{}: {}\n", nr, velden_tekst(velden));
       return;

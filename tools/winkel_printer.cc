@@ -59,7 +59,7 @@ std::string maak_printer(const Printerverb& o, Stand* s) {
   if (o.nummer < 2 || o.nummer > 9998)
     return "een printer heeft nummer 2 tot 9998; 1 is het scherm";
   if (o.naam.empty()) return "een printer heeft een naam";
-  const std::string bezwaar = zet(rec.name, o.naam);
+  std::string bezwaar = zet(rec.name, o.naam);
   if (bezwaar.empty()) s->printers.push_back(rec);
   return bezwaar;
 }
