@@ -6,7 +6,6 @@
 
 #include "isam/formaat.h"
 #include "sub/advies_intern.h"
-#include "sub/pghdl.h"
 #include "sub/teksten.h"
 
 namespace {
@@ -27,14 +26,16 @@ using Filialen = std::bitset<256>;
 
 /// "1, 3-5"
 std::string lijst(const Filialen& wie) {
-  uint8_t set[32] = {};
-  for (int b = 0; b < 250; ++b)
-    if (in_set(wie, b)) pg_add(set, b);
-  char tekst[1024];
-  pg_to_text(set, tekst);
   std::string uit;
-  for (const char* c = tekst; *c != 0; ++c)
-    uit += *c == ',' ? std::string(", ") : std::string(1, *c);
+  for (size_t b = 0; b < wie.size(); ++b) {
+    if (!wie[b]) continue;
+    size_t tot = b;
+    while (tot + 1 < wie.size() && wie[tot + 1]) ++tot;
+    if (!uit.empty()) uit += ", ";
+    uit += std::to_string(b);
+    if (tot > b) uit += (tot == b + 1 ? ", " : "-") + std::to_string(tot);
+    b = tot;
+  }
   return uit;
 }
 
@@ -54,9 +55,7 @@ struct Uitleg {
       size_t eind = tekst.rfind(' ', breedte);
       if (eind == std::string::npos || eind <= inspringen + 2) eind = breedte;
       regels.push_back(tekst.substr(0, eind));
-      tekst.erase(0, tekst.find_first_not_of(' ', eind) == std::string::npos
-                         ? tekst.size()
-                         : tekst.find_first_not_of(' ', eind));
+      tekst.erase(0, tekst[eind] == ' ' ? eind + 1 : eind);
       tekst.insert(0, inspringen + 2, ' ');
     }
     regels.push_back(tekst);
@@ -154,6 +153,20 @@ std::vector<AdvRegel> mogelijk(const Uitleg& u) {
   return uit;
 }
 
+/// A giver of this rule has more than it keeps, after what it gave.
+bool kan_nog(const Uitleg& u, AdvRegel regel) {
+  const bool wissel = regel == AdvRegel::switch_minimum;
+  if (!wissel && regel != AdvRegel::aanvul_verkocht && regel != AdvRegel::aanvul_minimum)
+    return false;
+  const int mag = magazijn(u.k);
+  const int houdt = wissel ? u.k.groep.minimum : magazijn_houdt(u.k);
+  for (int b = 0; b < u.k.filialen(); ++b) {
+    if (b == u.filiaal || !in_set(u.k.bron, b) || (!wissel && b != mag)) continue;
+    if (int64_t{vrij(u.k, b, u.maat)} + cel(*u.r, b, u.maat) > houdt) return true;
+  }
+  return false;
+}
+
 /// Why a rule gave the branch nothing.
 const char* waarom_niet(const Uitleg& u, AdvRegel regel) {
   const AdvReden reden = bezwaar(u.k, regel, u.vraag, *u.r, u.filiaal, u.maat);
@@ -163,10 +176,8 @@ const char* waarom_niet(const Uitleg& u, AdvRegel regel) {
     for (const AdvGepasseerd& g : s->gepasseerd)
       if (g.filiaal == u.filiaal) return in_woorden(g.reden);
   }
-  const bool uit_voorraad = regel == AdvRegel::aanvul_verkocht || regel == AdvRegel::aanvul_minimum;
   if (u.r != &u.k.r_aanvul && keten(u.k.m_besteld, 0) > 0) return txt(T_ADVU_BESTELLING);
-  if (uit_voorraad && vrij_magazijn(u.k, u.maat) > 0) return txt(T_ADVU_AANLEIDING);
-  return txt(T_ADVU_NIEMAND);
+  return txt(kan_nog(u, regel) ? T_ADVU_AANLEIDING : T_ADVU_NIEMAND);
 }
 
 void niets(Uitleg& u) {
