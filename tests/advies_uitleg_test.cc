@@ -154,19 +154,19 @@ TEST(Uitleg, ASwitchNamesLaterTakersOtherGiversAndWhatBlocksIt) {
   EXPECT_TRUE(staat(uitleg(p, &Advies::r_switch, 4), "Geeft 1 aan filiaal 0"));
   AdvProef krap(3, 1);
   krap.verkocht("9 / 8").vraag("1 / 1").voorraad(". / . / 2").klaar().bereken();
-  EXPECT_TRUE(staat(uitleg(krap, &Advies::r_switch, 1, 1, 99), std::string(WISSEL) + "later"));
+  EXPECT_TRUE(staat(uitleg(krap, &Advies::r_switch, 1, 1, 120), std::string(WISSEL) + "later"));
   AdvProef niemand(3, 1);
   niemand.verkocht("9").vraag("1").voorraad(". / 1 / 1").klaar().bereken();
-  EXPECT_TRUE(staat(uitleg(niemand, &Advies::r_switch, 0, 1, 99), "niemand kan een stuk missen"));
+  EXPECT_TRUE(staat(uitleg(niemand, &Advies::r_switch, 0, 1, 120), "niemand kan een stuk missen"));
   AdvProef hoeft_niet(3, 1);  // the warehouse can
   hoeft_niet.magazijn(2).verkocht("9").vraag("1").voorraad(". / 5 / 5").klaar().bereken();
-  EXPECT_TRUE(staat(uitleg(hoeft_niet, &Advies::r_switch, 0, 1, 99),
+  EXPECT_TRUE(staat(uitleg(hoeft_niet, &Advies::r_switch, 0, 1, 120),
                     std::string(WISSEL) + "geen aanleiding voor dit advies"));
   AdvProef dicht(3, 1);
   dicht.verkocht("9").vraag("1").voorraad(". / . / 5");
   dicht.a.m_besteld[0][1] = 1;
   dicht.klaar().bereken();
-  EXPECT_TRUE(staat(uitleg(dicht, &Advies::r_switch, 0, 1, 99),
+  EXPECT_TRUE(staat(uitleg(dicht, &Advies::r_switch, 0, 1, 120),
                     std::string(WISSEL) + "er loopt nog een bestelling"));
 }
 
