@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <set>
 
+#include "bench/advies_helling.h"
 #include "bench/advies_meet.h"
 #include "bench/gegevens.h"
 #include "bench/machine.h"
@@ -40,6 +41,7 @@ struct Opzet {
   uint32_t lezen = 100000, invoegen = 10000, wijzigen = 20000, samen = 20000;
   uint32_t bouw = MEET_BOUW, saldo = 1000000;
   std::set<int> alleen;
+  bool snel = false;
   bool doen(int nr) const { return alleen.empty() || alleen.contains(nr); }
 };
 Opzet opzet;
@@ -304,6 +306,11 @@ std::vector<Rij> alles() {
     rijen.push_back(merk_meet(opzet.saldo / 20));
   }
   if (opzet.doen(12)) rijen.push_back(advies_rij());
+  if (opzet.doen(13)) {
+    naar("helling");
+    zeg("the advice over a chain");
+    for (Rij& r : advies_helling(opzet.snel)) rijen.push_back(r);
+  }
   naar("machine");
   machine_sluit();
   return rijen;
@@ -315,14 +322,13 @@ int main(int argc, char** argv) {
   if (argc == 2 && strcmp(argv[1], SALDO_KIND) == 0) return saldo_kind();
   CLI::App app{"Measures the indexed files beside other stores"};
   opzet.dir = std::filesystem::current_path().string();
-  bool snel = false;
   std::vector<int> alleen;
   app.add_option("--dir", opzet.dir, "folder on a real disk for the files");
-  app.add_flag("--snel", snel, "a tenth of the work");
+  app.add_flag("--snel", opzet.snel, "a tenth of the work");
   app.add_option("--alleen", alleen, "only these numbers")->delimiter(',');
   CLI11_PARSE(app, argc, argv);
   opzet.alleen.insert(alleen.begin(), alleen.end());
-  if (snel) {
+  if (opzet.snel) {
     opzet.rondes = 3;
     for (uint32_t* n :
          {&opzet.lezen, &opzet.invoegen, &opzet.wijzigen, &opzet.samen, &opzet.bouw, &opzet.saldo})
