@@ -40,7 +40,7 @@ std::string veld(const char (&v)[N]) {
 std::string linkerdeel(int regel) {
   switch (regel) {
     case 0:
-      return str_format("%-14.14s%8s%-20.20s%3s%-6.6s ", serie_sleutel(ser_rec.nr), "",
+      return str_format("%-14.14s%8s%-20.20s%3s%-6.6s ", serie_tekst(ser_rec.nr), "",
                         veld(art_rec.naam), "", veld(ser_rec.locatie));
     case 1:
       return str_format("%6s%-15.15s %-20.20s %8s ", "", veld(kleur.naam),

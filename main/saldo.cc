@@ -14,6 +14,7 @@
 #include "prt/prt.h"
 #include "scr/scr.h"
 #include "sub/adv_krit.h"
+#include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
 #include "sub/serie.h"
@@ -26,8 +27,7 @@ char saldo_sort[11] = "AKV";
 
 namespace {
 
-constexpr int FUNCTIE = 10;   // work function of order lines
-constexpr int KEY_PAREN = 3;  // DTPICK by branch pair and order number
+constexpr int FUNCTIE = 10;  // work function of order lines
 
 /// Both criteria maps all ones, so that a branch limit of the screen has no effect here.
 void stel_lijst_in() {
@@ -52,19 +52,6 @@ void selecteer_series() {
   sel_scherm();  // however it is left, the last selection is used
   stel_lijst_in();
   overlay_maak();
-}
-
-int dtpick_soorten() {
-  const int sleutel = dtpick->block.key_number;
-  IXSWITCH(dtpick, KEY_PAREN);
-  DtPick regel{};
-  int soorten = 0;
-  for (bool er = IXFIRSTR(dtpick, &regel); er && soorten != 3; er = IXNEXT(dtpick, &regel)) {
-    soorten |= regel.opdrachtnr == 0 ? 1 : 2;
-    regel.nr = {UINT32_MAX, UINT16_MAX, UINT16_MAX};  // past the other lines of this order
-  }
-  IXSWITCH(dtpick, sleutel);
-  return soorten;
 }
 
 void saldo_bouw(int mode) {

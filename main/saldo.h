@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 
-/// Bit 0: provisional lines exist; bit 1: definitive ones. Stops when both were seen.
-int dtpick_soorten();
 void top_menu();
 void saldo_afdrukken();  // "Selectie en afdrukken"
 /// Modes 1 provisional of the selection, 2 made definitive, 5 lines of the selected order.

@@ -14,6 +14,7 @@
 #include "scr/scr.h"
 #include "sub/adv_opdracht.h"
 #include "sub/datacom.h"
+#include "sub/opdrnr.h"
 #include "sub/serie_keuze.h"
 
 namespace {

@@ -9,6 +9,7 @@
 #include "sub/adv_reeks.h"
 #include "sub/adv_vul.h"
 #include "sub/muteren.h"
+#include "sub/opdrnr.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 
@@ -16,7 +17,6 @@ namespace {
 
 constexpr int F_ADVIES = 9, F_OPDRACHT = 10;  // work functions
 constexpr int KEY_PAREN = 3;                  // DTPICK by branch pair and order number
-constexpr int VOORLOPIG = 1, DEFINITIEF = 2;
 constexpr Serienr VOORBIJ{UINT32_MAX, UINT16_MAX, UINT16_MAX};
 
 /// DTPICK by branch pair as long as it lives.
@@ -27,19 +27,6 @@ struct OpParen {
   OpParen& operator=(const OpParen&) = delete;
   int sleutel;
 };
-
-/// Which kinds of lines there are; the provisional ones stand first of each pair.
-int soorten_regels() {
-  const OpParen paren;
-  DtPick regel{};
-  int soorten = 0;
-  for (bool er = IXFIRSTR(dtpick, &regel); er && soorten != (VOORLOPIG | DEFINITIEF);
-       er = IXNEXT(dtpick, &regel)) {
-    soorten |= regel.opdrachtnr == 0 ? VOORLOPIG : DEFINITIEF;
-    regel.nr = VOORBIJ;
-  }
-  return soorten;
-}
 
 /// Deletes the provisional lines of all series. The bar follows the sending branch: how many lines
 /// are to come is not known.
@@ -67,12 +54,12 @@ bool vraag(const Tekst& feit, const Tekst& vraagtekst) {
 
 /// What stands of earlier orders: gone, or accepted by the operator. False ends the command.
 bool opdrachten_akkoord() {
-  const int soorten = soorten_regels();
-  if ((soorten & VOORLOPIG) != 0) {
+  const int soorten = dtpick_soorten();
+  if ((soorten & OPDR_VOORLOPIG) != 0) {
     if (!vraag(T_ADVO_NOG_VOORLOPIG, T_ADVO_VERWIJDEREN)) return false;
     voorlopige_weg();
   }
-  return (soorten & DEFINITIEF) == 0 || vraag(T_ADVO_NOG_DEFINITIEF, T_ADVO_TOCH);
+  return (soorten & OPDR_DEFINITIEF) == 0 || vraag(T_ADVO_NOG_DEFINITIEF, T_ADVO_TOCH);
 }
 
 /// One series, locked while it is worked on.

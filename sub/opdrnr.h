@@ -1,4 +1,5 @@
-// Order numbers 2NNNNNNc: a 2, six digits of a counter, the check digit of an EAN-8 code.
+// Order numbers 2NNNNNNc: a 2, six digits of a counter, the check digit of an EAN-8 code; and which
+// kinds of order lines there are.
 #pragma once
 
 #include <cstdint>
@@ -11,3 +12,8 @@ bool opdrnr_ok(const char* tekst);
 bool opdrnr_norm(char* tekst);
 /// Input; 0 for empty. False when the operator left.
 bool opdrnr_ingave(int row, int col, uint32_t* nummer);
+
+inline constexpr int OPDR_VOORLOPIG = 1, OPDR_DEFINITIEF = 2;
+/// Mask of the kinds of lines in DTPICK. One keyed read a pair and order; stops when both were
+/// seen.
+int dtpick_soorten();

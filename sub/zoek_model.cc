@@ -21,6 +21,7 @@ uint16_t merk_nu;
 
 void vul_index(uint16_t merk) {
   index_ = sort_maak(privaat.s, "RMAKV");
+  scr_intr_reset();  // breaking off an earlier list is no answer to this one
   DtSer rec{};
   const int8_t sleutel = dtser->block.key_number;
   IXSWITCH(dtser, KEY_MERK);

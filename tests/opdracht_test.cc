@@ -101,7 +101,7 @@ TEST_F(Opdracht, ProvisionalOrdersAreOnlyLookedAt) {
   t.type(Esc);
   EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
   t.type("2");
-  bekijk(t, {"VERZAMELOPDRACHT FILIAAL 0 (voorlopig)", "101000100001"});
+  bekijk(t, {"VERZAMELOPDRACHT FILIAAL 0 (voorlopig)", "10100.10.1"});
   EXPECT_EQ(t.row(22), "klaar");
   EXPECT_EQ(agent.ask("10"), "ja");
   for (const DtPick& r : regels()) EXPECT_EQ(r.opdrachtnr, r.vanfil == 2 ? 20000011u : 0u);
@@ -163,7 +163,7 @@ TEST_F(Opdracht, AnOrderAgain) {
   EXPECT_EQ(t.text(4, 16, 8), "20000011");
   EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
   t.type("1");
-  bekijk(t, {"VERZAMELOPDRACHT FILIAAL 2", "101000100001", "102003100004"});
+  bekijk(t, {"VERZAMELOPDRACHT FILIAAL 2", "10100.10.1", "10200.310.4"});
   bekijk(t, {"Filiaal  2      24      0 stuks", "Filiaal  3       0     11 stuks"});
   EXPECT_EQ(t.row(22), "klaar");
   Terminal u = start(opdracht_bestaand);

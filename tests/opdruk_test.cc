@@ -149,7 +149,7 @@ Voor  3  Filiaal 3
 serie merk            omschrijving          locatie        maatspecificatie
       model           materiaal    dessin     advpr fn tot maataantallen
 =132=
-101000100001          Blouses korte mouw     A1         KM   34  33  32  31
+10100.10.1            Blouses korte mouw     A1         KM   34  33  32  31
       wit             omschrijving serie    1234.95  3  13   11           2
       DUIN    5       Duinroos
       Model-15-tekens katoen       streep
@@ -165,7 +165,7 @@ Voor100  Filiaal 100
 serie merk            omschrijving          locatie        maatspecificatie
       model           materiaal    dessin     advpr fn tot maataantallen
 =132=
-102003100004                                 B22222     KM   34  33  32  31
+10200.310.4                                  B22222     KM   34  33  32  31
                       omschrijving serie    1234.95      1            1
                                                    100
       DUIN    5       Duinroos
@@ -187,7 +187,7 @@ TEST_F(Opdruk, DefinitiveForAllReceivers) {
 serie merk            omschrijving          locatie        maatspecificatie                                     Opdrachtnr: 20000011
       model           materiaal    dessin     advpr fn tot maataantallen
 =132=
-101000100001          Blouses korte mouw     A1         KM   34  33  32  31
+10100.10.1            Blouses korte mouw     A1         KM   34  33  32  31
       wit             omschrijving serie    1234.95  3     1234           2
                                                       1236
       DUIN    5       Duinroos                      11   1        1
@@ -213,12 +213,12 @@ Voor  3  Filiaal 3
 serie merk            omschrijving          locatie        maatspecificatie                          Opdrachtnr: 20000011 (herhaald)
       model           materiaal    dessin     advpr fn tot maataantallen                             Printdatum: 03-02-2026
 =132=
-101000100001          Blouses korte mouw     A1         KM   34  33  32  31
+10100.10.1            Blouses korte mouw     A1         KM   34  33  32  31
       wit             omschrijving serie    1234.95  3   2                2
       DUIN    5       Duinroos
       Model-15-tekens katoen       streep
 
-102003100004                                 B22222     KM   34  33  32  31
+10200.310.4                                  B22222     KM   34  33  32  31
                       omschrijving serie    1234.95  3   7    7
       DUIN    5       Duinroos
       Model-15-tekens katoen       streep
@@ -234,7 +234,7 @@ TEST_F(Opdruk, WideSizeBarsGoInStepsOfEighteen) {
   saldo_splits = false;
   EXPECT_EQ(
       vanaf(document(OpdrachtSoort::voorlopig), "103000"),
-      R"(103000050002                                            KM   70  69  68  67  66  65  64  63  62  61  60  59  58  57  56  55  54  53
+      R"(10300.5.2                                               KM   70  69  68  67  66  65  64  63  62  61  60  59  58  57  56  55  54  53
                       omschrijving serie    1234.95  3  19    6
       DUIN    5       Duinroos                       4   1
       Model-15-tekens katoen       streep               KM   52  51  50  49  48  47  46  45  44  43  42  41  40  39  38  37  36  35
@@ -284,10 +284,10 @@ TEST_F(Opdruk, FiveLinesStayTogether) {
     return tweede != std::string::npos && tweede < plaats;
   };
   EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, 20)), 1);
-  EXPECT_FALSE(kop_voor(19, "102003100004"));
+  EXPECT_FALSE(kop_voor(19, "10200.310.4"));
   EXPECT_TRUE(kop_voor(19, "VOOR FILIAAL"));
-  EXPECT_FALSE(kop_voor(18, "102003100004"));
-  EXPECT_TRUE(kop_voor(17, "102003100004"));
+  EXPECT_FALSE(kop_voor(18, "10200.310.4"));
+  EXPECT_TRUE(kop_voor(17, "10200.310.4"));
   EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, 17)), 2);
 }
 
@@ -355,7 +355,7 @@ TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
     IXINIT(dtpick);
     regel(0, 3, BROEK, {{1, 2}, {95, 3}});
     EXPECT_EQ(vanaf(document(OpdrachtSoort::voorlopig), "102003"),
-              R"(102003100004                                 B22222     KM
+              R"(10200.310.4                                  B22222     KM
                       omschrijving serie    1234.95  3   5    2   3
       DUIN    5       Duinroos
       Model-15-tekens katoen       streep
@@ -369,7 +369,7 @@ VOOR FILIAAL  3  Filiaal 3                        TOT    5
   IXINIT(dtpick);
   regel(255, 250, BLOUSE, {{1, 2}});
   const std::string vreemd = document(OpdrachtSoort::voorlopig);
-  EXPECT_NE(vreemd.find("101000100001"), std::string::npos) << vreemd;
+  EXPECT_NE(vreemd.find("10100.10.1"), std::string::npos) << vreemd;
 
   IXINIT(dtpick);
   regel(0, 3, BLOUSE, {{1, 2}});
@@ -380,7 +380,7 @@ VOOR FILIAAL  3  Filiaal 3                        TOT    5
   IXREADL(dtser, &weg);
   IXDELETE(dtser, &weg);
   EXPECT_EQ(vanaf(druk(OpdrachtSoort::voorlopig, 64), "101000"),
-            R"(101000100001          Blouses korte mouw     A1
+            R"(10100.10.1            Blouses korte mouw     A1
       wit                                            3   2    2
       DUIN
       Model-15-tekens
