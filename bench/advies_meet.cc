@@ -1,6 +1,7 @@
 #include "bench/advies_meet.h"
 
 #include <cstring>
+#include <ctime>
 
 #include "bench/gegevens.h"
 #include "bench/partij.h"
@@ -46,6 +47,13 @@ void vul(Advies& a, uint32_t nr) {
   }
 }
 
+/// The processor's time: a calculation that waits for nothing is not slower for busy neighbours.
+double seconden_rekentijd() {
+  timespec t;
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / 1e9;
+}
+
 uint8_t een(Advies& a) {
   adv_totalen(a);
   adv_verzamelingen(a, alle, alle, geen);
@@ -67,9 +75,9 @@ double advies_meet() {
       (ADV_AANVUL | ADV_SWITCH | ADV_RESTANT | ADV_DISTRIBUTIE))
     meet_fout("advice", "a kind is missing");
   uint32_t klaar = 0;
-  const double begin = seconden_nu();
+  const double begin = seconden_rekentijd();
   double nu = begin;
-  for (; nu - begin < SECONDEN; nu = seconden_nu())
+  for (; nu - begin < SECONDEN; nu = seconden_rekentijd())
     for (Advies& a : series) {
       een(a);
       ++klaar;

@@ -3,7 +3,7 @@
 
 #include "bench/tabel.h"
 
-/// Series a second, of 100 branches and 20 sizes, with the matrices filled.
+/// Series a second of processor time, of 100 branches and 20 sizes, with the matrices filled.
 double advies_meet();
 /// The same as a row of the table.
 Rij advies_rij();

@@ -63,10 +63,11 @@ TEST(Verzamelingen, TheOrderIsBySalesThenByWhatIsHeldThenByNumber) {
 
 TEST(Verzamelingen, SumsAreOfAllSizesAndSizesOutOfBoundsAreNotWalked) {
   AdvProef p(2, 2);
-  p.a.maten = {0, 2, 1, 96, 255};
   p.a.m_voorraad[0][1] = 2;
   p.a.m_voorraad[1][95] = 3;
   p.klaar();
+  p.a.maten = {0, 2, 1, 96, 255};
+  adv_verzamelingen(p.a, p.vanuit, p.aanvul, p.merk);
   EXPECT_EQ(p.a.maten, (Orde{2, 1}));
   EXPECT_EQ(p.a.m_voorraad[1][0], 3);
   EXPECT_EQ(p.a.m_voorraad[2][0], 5);
