@@ -233,7 +233,7 @@ TEST_F(Opdruk, WideSizeBarsGoInStepsOfEighteen) {
   regel(0, 4, BREED, {{1, 1}});
   saldo_splits = false;
   EXPECT_EQ(
-      vanaf(document(OpdrachtSoort::voorlopig), "103000"),
+      vanaf(document(OpdrachtSoort::voorlopig), "10300.5"),
       R"(10300.5.2                                               KM   70  69  68  67  66  65  64  63  62  61  60  59  58  57  56  55  54  53
                       omschrijving serie    1234.95  3  19    6
       DUIN    5       Duinroos                       4   1
@@ -258,7 +258,7 @@ TEST_F(Opdruk, SeriesStandInThePrintOrder) {
     str_printf(saldo_sort, sizeof saldo_sort, "%s", letters);
     const std::string tekst = document(OpdrachtSoort::voorlopig);
     std::map<size_t, std::string> plaats;
-    for (const char* nr : {"101000", "102003", "103000"}) plaats[tekst.find(nr)] = nr;
+    for (const char* nr : {"10100.10.1", "10200.310.4", "10300.5.2"}) plaats[tekst.find(nr)] = nr;
     std::string uit;
     for (const auto& [p, nr] : plaats) uit += nr.substr(0, 3) + " ";
     return uit;
@@ -379,7 +379,7 @@ VOOR FILIAAL  3  Filiaal 3                        TOT    5
   weg.nr = BLOUSE;
   IXREADL(dtser, &weg);
   IXDELETE(dtser, &weg);
-  EXPECT_EQ(vanaf(druk(OpdrachtSoort::voorlopig, 64), "101000"),
+  EXPECT_EQ(vanaf(druk(OpdrachtSoort::voorlopig, 64), "10100.10.1"),
             R"(10100.10.1            Blouses korte mouw     A1
       wit                                            3   2    2
       DUIN
