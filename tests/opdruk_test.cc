@@ -354,7 +354,7 @@ TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
     Keten::voeg(dtser, zonder);
     IXINIT(dtpick);
     regel(0, 3, BROEK, {{1, 2}, {95, 3}});
-    EXPECT_EQ(vanaf(document(OpdrachtSoort::voorlopig), "102003"),
+    EXPECT_EQ(vanaf(document(OpdrachtSoort::voorlopig), "10200.310"),
               R"(10200.310.4                                  B22222     KM
                       omschrijving serie    1234.95  3   5    2   3
       DUIN    5       Duinroos
