@@ -320,7 +320,7 @@ TEST_F(Weg, FromSeriesToBranch) {
   EXPECT_EQ(netto, advies);
 
   // On paper; nothing changes.
-  const std::string sleutel = serie_sleutel(nr);
+  const std::string sleutel = serie_tekst(nr);
   const size_t voorlopig = voorlopige();
   std::set<uint32_t> oud;
   for (const DtPick& r : regels(nr)) oud.insert(r.opdrachtnr);
