@@ -146,12 +146,20 @@ int enig_filiaal(const MaatMatrix& m) {
   return -1;
 }
 
+namespace {
+
+/// A broken order line may have made it negative: a branch would seem to have millions to give, and
+/// the steps go piece by piece.
+int32_t gaat_uit(const Advies& a, int b, int s) { return std::max(cel(a.m_uit, b, s), 0); }
+
+}  // namespace
+
 int32_t eigen(const Advies& a, int b, int s) {
-  return krap(int64_t{cel(a.m_voorraad, b, s)} + cel(a.m_in, b, s) - cel(a.m_uit, b, s));
+  return krap(int64_t{cel(a.m_voorraad, b, s)} + cel(a.m_in, b, s) - gaat_uit(a, b, s));
 }
 
 int32_t vrij(const Advies& a, int b, int s) {
-  return krap(int64_t{cel(a.m_voorraad, b, s)} - cel(a.m_uit, b, s));
+  return krap(int64_t{cel(a.m_voorraad, b, s)} - gaat_uit(a, b, s));
 }
 
 int32_t vrij_magazijn(const Advies& a, int s) {

@@ -343,4 +343,28 @@ TEST(Eigenschap, TheTrailTellsTheWholeResultAndChangesNothing) {
   }
 }
 
+/// Broken files: quantities of any size where orders and sales are counted.
+TEST(Eigenschap, AbsurdQuantitiesEnd) {
+  constexpr int32_t ABSURD[] = {INT32_MIN, INT32_MIN + 1, -70000, -1, 65536, INT32_MAX};
+  for (unsigned zaad = 0; zaad < KETENS / 20; ++zaad) {
+    AdvProef p = werp(zaad);
+    Dobbel d{std::mt19937(zaad)};
+    for (const auto m : {&Advies::m_uit, &Advies::m_in, &Advies::m_besteld, &Advies::m_verkocht,
+                         &Advies::m_vrk_periode})
+      for (int keer = d.tot(4); keer > 0; --keer)
+        (p.a.*m)[static_cast<size_t>(d.tot(FILIALEN))][p.a.maten[0]] = ABSURD[d.tot(6)];
+    p.klaar();
+    p.bereken();
+    for (const uint8_t s : p.a.maten) {
+      ASSERT_EQ(kolomsom(p.a, p.a.r_aanvul, s), 0) << zaad;
+      ASSERT_EQ(kolomsom(p.a, p.a.r_switch, s), 0) << zaad;
+    }
+    for (int b = 0; b < FILIALEN; ++b)
+      EXPECT_FALSE(adv_uitleg(p.a, p.a.r_herverdeel, p.krit, p.a.m_vrk_periode, b, 1, 60).empty());
+    restanten(p.a);
+    distributie(p.a);
+    adv_automatisch(p.a);
+  }
+}
+
 }  // namespace

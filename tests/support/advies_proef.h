@@ -54,7 +54,8 @@ struct AdvProef {
   AdvProef& klaar() {
     for (size_t b = 0; b + 1 < a.m_ontvangen.size(); ++b)
       for (const uint8_t s : a.maten)
-        a.m_ontvangen[b][s] += a.m_voorraad[b][s] + a.m_verkocht[b][s] + a.m_correctie[b][s];
+        a.m_ontvangen[b][s] = krap(int64_t{a.m_ontvangen[b][s]} + a.m_voorraad[b][s] +
+                                   a.m_verkocht[b][s] + a.m_correctie[b][s]);
     adv_totalen(a);
     adv_verzamelingen(a, vanuit, aanvul, merk);
     return *this;
