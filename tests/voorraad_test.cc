@@ -37,10 +37,10 @@ struct DemoKeten {
   }
   std::string operator/(const char* naam) const { return map.pad + "/" + naam; }
 
-  Terminal launcher(const char* gebruiker) const {
+  Terminal launcher(const char* gebruiker, const std::string& waar = "") const {
     TerminalOpties opties;
-    opties.dir = map.pad;
-    opties.env = {"BIN=" BUILD_DIR, "KOBPRT=" + map.pad, "TMUX"};
+    opties.dir = waar.empty() ? map.pad : waar;
+    opties.env = {"BIN=" BUILD_DIR, "KOBPRT=" + opties.dir, "TMUX"};
     Terminal t = start({BUILD_DIR "/hoofdmnu"}, opties);
     t.type(toets::in(gebruiker), toets::in(gebruiker));
     return t;
@@ -125,6 +125,22 @@ TEST(VoorraadMenu, RightsAndWhatThereIs) {
   EXPECT_FALSE(i.shows("ADVIEZEN"));
   i.type(toets::Enter);
   EXPECT_SHOWS(i, "Hoofdmenu");
+}
+
+TEST(VoorraadMenu, OfferedInANewChainAndToANewUser) {
+  const DemoKeten keten;  // the new one is a folder in it
+  const std::string map = keten / "nieuw", winkel = BUILD_DIR "/tools/winkel ";
+  ASSERT_EQ(std::system((winkel + "init --branches 3 --company Nieuw --wachtwoord BEHEER -C " +
+                         map + " >/dev/null && " + winkel +
+                         "gebruiker add JAN --wachtwoord JAN -C " + map + " >/dev/null")
+                            .c_str()),
+            0);
+  for (const char* gebruiker : {"BEHEER", "JAN"}) {
+    Terminal t = keten.launcher(gebruiker, map);
+    EXPECT_SHOWS(t, " 1 Voorraadbeheer", " 2 Voorraad en opdrachten");
+    t.type("2");
+    EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
+  }
 }
 
 // Commands against each other ---------------------------------------------------------------------
