@@ -215,7 +215,9 @@ void vraag_locatie(const Serienr& nr) {
   key_allow(K_CANCEL);
   const bool anders = INGAVE(RIJ_LOCATIE, KOLOM, "6c,U", &K_CANCEL, &nieuw[0]);
   if (weg_toets() || !anders) return;
-  if (!schrijf_locatie(nr, getoond, nieuw)) scr_error("%s", txt(T_MAG_GEWIJZIGD));
+  if (schrijf_locatie(nr, getoond, nieuw)) return;
+  scr_print(A_WAARDE, RIJ_LOCATIE + 2, 1, "%s", txt(T_MAG_GEWIJZIGD));
+  scr_enter(RIJ_LOCATIE + 4, 1);
 }
 
 }  // namespace

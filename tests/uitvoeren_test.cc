@@ -1,0 +1,502 @@
+// Execution of advice straight from stock: which labels leave, what is booked, what a process that
+// dies at each of its writes leaves, and the search list as a page.
+#include <cstring>
+#include <map>
+#include <regex>
+#include <set>
+
+#include "isam/io.h"
+#include "main/batchvw.h"
+#include "main/iofil.h"
+#include "main/saldo.h"
+#include "main/zoeklijst.h"
+#include "prt/prt.h"
+#include "scr/scr.h"
+#include "sub/adv_krit.h"
+#include "sub/ioeti.h"
+#include "sub/muteren.h"
+#include "sub/opdrnr.h"
+#include "sub/pghdl.h"
+#include "sub/sel_krit.h"
+#include "tests/support/agent.h"
+#include "tests/support/beproeving.h"
+#include "tests/support/keten.h"
+#include "tests/support/terminal.h"
+
+namespace {
+
+constexpr Serienr BLOUSE{10100, 10, 1}, BROEK{10200, 310, 4};
+
+struct Uitvoeren : ::testing::Test {
+  Keten keten;
+
+  void SetUp() override {
+    keten.open();
+    stel_in();
+    for (const Serienr& nr : {BLOUSE, BROEK}) {
+      DtSer rec = Keten::serie(nr, 1, 5);
+      veld_zet(rec.locatie, sizeof rec.locatie, "B12-3");
+      veld_zet(rec.model, sizeof rec.model, "Anna lang");
+      veld_zet(rec.omschrijving, sizeof rec.omschrijving, "blouse met kraag");
+      veld_zet(rec.materiaal, sizeof rec.materiaal, "katoen");
+      veld_zet(rec.dessin, sizeof rec.dessin, "streep");
+      veld_zet(rec.kenmerk, sizeof rec.kenmerk, "KM");
+      Keten::voeg(dtser, rec);
+    }
+  }
+  void TearDown() override { sluit(); }
+  void stel_in() const {
+    werk8.assign(static_cast<size_t>(filialen()) + 1, {});
+    iofil('O', 0, &filiaal_rec);
+    adv_rec = adv_standaard();
+    pg_fill(adv_rec.aanvul_filialen);
+    pg_fill(adv_rec.vanuit_filialen);
+    saldo_splits = true;
+    str_printf(saldo_sort, sizeof saldo_sort, "%s", "AKV");
+    str_printf(prt_links, sizeof prt_links, "%s", "De Ketting BV");
+    sys_rec1.opties = 1;
+  }
+  void sluit() {
+    if (!keten.is_open) return;
+    iofil('C', 0, nullptr);
+    keten.sluit();
+    prt_links[0] = 0;
+  }
+
+  static void etiketten(const Serienr& nr, int aantal, uint8_t maat, uint8_t filiaal,
+                        uint8_t status = ETI_VOORRAAD, uint8_t doel = 0) {
+    ASSERT_TRUE(serie_wacht(nr));
+    for (int i = 0; i < aantal; ++i) {
+      Etiket e = proef_etiket(nr, status, maat, filiaal);
+      if (doel != 0) e.onderweg = 1;
+      e.doel = doel;
+      int32_t nummer = 0;
+      ioeti('W', &nummer, &e);
+      if (ser_rec.blok1 < 0) ser_rec.blok1 = eti_blok(nummer);
+    }
+    serie_schrijf();
+  }
+  static void regel(int van, int naar, const Serienr& nr, const std::map<int, uint32_t>& per_maat,
+                    uint32_t opdracht = 0) {
+    DtPick rec{};
+    rec.vanfil = static_cast<uint8_t>(van);
+    rec.naarfil = static_cast<uint8_t>(naar);
+    rec.nr = nr;
+    rec.opdrachtnr = opdracht;
+    for (const auto& [maat, n] : per_maat) rec.aantal[maat] = n;
+    Keten::voeg(dtpick, rec);
+  }
+
+  struct Telling {
+    std::map<std::string, int> waar;  // "series size place" of all labels
+    int onderweg = 0;
+    std::set<int32_t> nummers;  // of those under way
+  };
+  static Telling tel(const Serienr& nr) {
+    Telling t;
+    DtSer rec{};
+    rec.nr = nr;
+    IXSWITCH(dtser, 1);
+    EXPECT_TRUE(IXREAD(dtser, &rec));
+    int32_t nummer = rec.blok1;
+    Etiket e{};
+    for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
+      std::string plaats = str_format("%d:%d", e.maat, e.filiaal);
+      if (e.onderweg != 0) plaats += str_format(">%d", e.doel);
+      if (e.status != ETI_VOORRAAD) plaats += str_format("/%d", e.status);
+      ++t.waar[plaats];
+      if (e.onderweg == 0) continue;
+      ++t.onderweg;
+      t.nummers.insert(nummer);
+    }
+    return t;
+  }
+  template <class Rec>
+  static std::vector<Rec> alles(ICB* tabel) {
+    std::vector<Rec> uit;
+    IXSWITCH(tabel, 1);
+    Rec rec{};
+    for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
+    return uit;
+  }
+  /// The search lists, with one date and time for all days.
+  static std::string lijsten(const std::vector<Uitvoering>& orders, int bladregels = 64) {
+    char* bytes = nullptr;
+    size_t n = 0;
+    FILE* uit = open_memstream(&bytes, &n);
+    prt_open_stil(uit, 132, bladregels);
+    uitvoer_lijsten(orders);
+    print_close("");
+    fclose(uit);
+    std::string tekst(bytes, n);
+    free(bytes);
+    return std::regex_replace(tekst, std::regex("\\d\\d-\\d\\d-\\d{4} \\d\\d:\\d\\d"),
+                              "DD-MM-JJJJ UU:MM");
+  }
+
+  /// The command on a terminal; "terug" stands there when it is over.
+  Terminal commando() {
+    return start_in_child([this] {
+      keten.open();
+      stel_in();
+      adv_sets[ADV_SALDO] = adv_standaard();
+      SCRINIT();
+      sel_start(13);
+      adviezen_uitvoeren();
+      scr_print(A_WAARDE, 20, 1, "terug");
+      scr_enter(21, 1);
+    });
+  }
+};
+
+using Waar = std::map<std::string, int>;
+
+TEST_F(Uitvoeren, WhatStockHasLeavesAndTheLinesGo) {
+  etiketten(BLOUSE, 4, 5, 0);
+  etiketten(BLOUSE, 1, 5, 0, ETI_VOORRAAD, 7);  // under way already
+  etiketten(BLOUSE, 1, 5, 0, ETI_VERKOPEN);
+  etiketten(BLOUSE, 2, 6, 0);
+  etiketten(BLOUSE, 3, 6, 1);
+  regel(0, 3, BLOUSE, {{5, 2}, {6, 9}});  // nine asked, two there
+  regel(0, 4, BLOUSE, {{5, 1}});
+  regel(1, 3, BLOUSE, {{6, 1}});
+  regel(0, 5, BLOUSE, {{5, 9}}, 20000011);  // an order that is executed by hand
+  regel(2, 5, BLOUSE, {{5, 1}});            // nothing there, but a number is drawn
+  regel(0, 3, BROEK, {{5, 1}});             // no labels at all
+  IXSWITCH(dtpick, 3);
+  const std::vector<Uitvoering> orders = uitvoer_pas();
+  EXPECT_EQ(dtpick->block.key_number, 3);
+
+  EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 1},
+                                    {"5:0>3", 2},
+                                    {"5:0>4", 1},
+                                    {"5:0>7", 1},
+                                    {"5:0/3", 1},
+                                    {"6:0>3", 2},
+                                    {"6:1", 2},
+                                    {"6:1>3", 1}}));
+  const auto regels = alles<DtPick>(dtpick);
+  ASSERT_EQ(regels.size(), 1u) << "a line goes, also when it was not served whole";
+  EXPECT_EQ(regels[0].opdrachtnr, 20000011u);
+  EXPECT_EQ(regels[0].aantal[5], 9u);
+
+  std::map<std::string, uint32_t> nummers;
+  for (const Uitvoering& o : orders) nummers[str_format("%d>%d", o.van, o.naar)] = o.nummer;
+  ASSERT_EQ(nummers.size(), 4u);
+  ASSERT_EQ(orders.size(), 4u);
+  const auto go = alles<DtGo>(dtgo);
+  EXPECT_EQ(go.size(), 6u);
+  for (const DtGo& g : go) {
+    EXPECT_EQ(g.verzamel, 1);
+    EXPECT_EQ(g.zenddatum, date_today());
+    EXPECT_EQ(g.opdrachtnr, nummers[str_format("%d>%d", g.vanfil, g.naarfil)]);
+  }
+  EXPECT_EQ(alles<DtFin>(dtfin).size(), 6u);
+  EXPECT_EQ(file_size("KASMUT.TXT"), 6 * 32);
+  ASSERT_TRUE(serie_probeer(BLOUSE)) << "not locked any more";
+  EXPECT_EQ(ser_rec.datum_mutatie, date_today());
+  serie_los();
+  for (const char* naam : {"DTPICK", "DTGO", "DTFIN", "DTSER"}) EXPECT_GE(IXCHECK(naam), 0) << naam;
+}
+
+TEST_F(Uitvoeren, BranchesAndSeriesThatAreNotSelectedStay) {
+  etiketten(BLOUSE, 9, 5, 0);
+  etiketten(BLOUSE, 9, 5, 1);
+  etiketten(BROEK, 9, 5, 0);
+  regel(0, 3, BLOUSE, {{5, 1}});
+  regel(0, 4, BLOUSE, {{5, 1}});
+  regel(1, 3, BLOUSE, {{5, 1}});
+  regel(0, 3, BROEK, {{5, 1}});
+  regel(0, 200, BLOUSE, {{5, 1}});  // a branch that the chain does not have
+  regel(0, 0, BLOUSE, {{5, 1}});
+  regel(0, 3, {10300, 5, 2}, {{5, 1}});  // a series that is gone
+  pg_remove(adv_rec.vanuit_filialen, 1);
+  pg_remove(adv_rec.aanvul_filialen, 4);
+  ASSERT_TRUE(IXREMOVE(privaat.o));
+  ICB* icb = IXCREATE(privaat.o, IX_EXCLUSIEF);
+  IXUPDFCB(icb, 0, "AKV,200");
+  IXUPDFCB(icb, 1, "key-1,NODUPS,I,1,4,I,5,6,I,7,8");
+  IXINITIX(icb);
+  DtSer rec{};
+  rec.nr = BLOUSE;
+  ASSERT_TRUE(IXREAD(dtser, &rec));
+  icb->record_no = dtser->record_no;
+  IXADDKEYS(icb, &rec);
+  dtser_opzoek = icb;
+  EXPECT_EQ(uitvoer_pas().size(), 1u);
+  dtser_opzoek = dtser;
+  IXCLOSE(icb);
+  EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 8}, {"5:0>3", 1}, {"5:1", 9}}));
+  EXPECT_EQ(tel(BROEK).onderweg, 0);
+  EXPECT_EQ(alles<DtPick>(dtpick).size(), 6u);
+}
+
+TEST_F(Uitvoeren, WithoutTransitThePiecesAreThereAtOnceAndSizesTellNoTill) {
+  sys_rec20.transit = 0;
+  ASSERT_TRUE(serie_wacht(BLOUSE));
+  ser_rec.maatregistratie = 1;
+  serie_schrijf();
+  etiketten(BLOUSE, 3, 5, 0);
+  etiketten(BROEK, 1, 5, 0);
+  regel(0, 3, BLOUSE, {{5, 2}});
+  regel(0, 3, BROEK, {{5, 1}});
+  uitvoer_pas();
+  EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 1}, {"5:3", 2}}));
+  EXPECT_EQ(alles<DtGo>(dtgo).size(), 3u);
+  EXPECT_EQ(alles<DtFin>(dtfin).size(), 3u);
+  EXPECT_EQ(file_size("KASMUT.TXT"), 32) << "of the one label that has a number";
+}
+
+/// The line is served in part; what it asked for is what is written off.
+TEST_F(Uitvoeren, WhatWasAskedForIsWrittenOff) {
+  etiketten(BLOUSE, 1, 5, 0);
+  etiketten(BLOUSE, 3, 5, 3, ETI_VERKOPEN);
+  ASSERT_TRUE(serie_wacht(BLOUSE));
+  int32_t nummer = ser_rec.blok1;
+  serie_los();
+  Etiket e{};
+  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
+    if (e.status != ETI_VERKOPEN) continue;
+    e.vrkdat = date_today();
+    ioeti('W', &nummer, &e);
+    Keten::voeg(dtaanv, DtAanv{BLOUSE, static_cast<uint32_t>(nummer)});
+  }
+  regel(0, 3, BLOUSE, {{5, 2}});
+  uitvoer_pas();
+  EXPECT_EQ(alles<DtAanv>(dtaanv).size(), 1u);
+}
+
+TEST_F(Uitvoeren, TheSearchListIsAPageAPair) {
+  for (int f : {0, 3}) {
+    FiliaalRec rec{};
+    str_printf(rec.naam, sizeof rec.naam, "Winkel %d", f);
+    veld_zet(rec.adres, sizeof rec.adres, "Dorpsstraat 1");
+    veld_zet(rec.plaats, sizeof rec.plaats, "Almelo");
+    iofil('W', f, &rec);
+  }
+  DtArt art{};
+  art.nummer = BLOUSE.artgroep;
+  veld_zet(art.naam, sizeof art.naam, "Blouses");
+  Keten::voeg(dtart, art);
+  DtMerk merk{};
+  merk.nummer = 5;
+  veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
+  veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
+  Keten::voeg(dtmerk, merk);
+  Kleur kleur{};
+  veld_zet(kleur.naam, sizeof kleur.naam, "wit");
+  int32_t tien = 10;
+  kleur.nummer = 10;
+  iotab('W', &tien, &kleur, SYS_KLEUREN);
+  DtMaat maten{};
+  maten.land = maten.maatsoort = 1;
+  for (int i : {5, 6}) {
+    maten.maten[0] = static_cast<uint8_t>(maten.maten[0] | 1u << i);
+    memcpy(maten.ingang[i].tekst, i == 5 ? " 38" : " 36", 3);
+    maten.ingang[i].ander = static_cast<uint8_t>(7 - i);  // 36 comes first in the bar
+  }
+  Keten::voeg(dtmaat, maten);
+  ASSERT_TRUE(serie_wacht(BROEK));
+  ser_rec.maatregistratie = 1;
+  serie_schrijf();
+
+  etiketten(BLOUSE, 2, 5, 0);
+  etiketten(BLOUSE, 1, 6, 0);
+  etiketten(BROEK, 3, 5, 0);
+  regel(0, 3, BLOUSE, {{5, 2}, {6, 1}});
+  regel(0, 3, BROEK, {{5, 3}});
+  const std::vector<Uitvoering> orders = uitvoer_pas();
+  ASSERT_EQ(orders.size(), 1u);
+  // A label sold on the way, one that somebody sent by hand, one that is finished: none is listed.
+  const auto tekst = lijsten(orders);
+  const std::string streep(109, '-');
+  EXPECT_EQ(
+      tekst,
+      str_format(
+          R"(De Ketting BV                             ZOEKLIJST, FILIAAL 0 -> FILIAAL 3                              DD-MM-JJJJ UU:MM blad:   1
+
+Opdrachtnummer %lu
+Van   0 Winkel 0                         Dorpsstraat 1                  Almelo                   
+Naar  3 Winkel 3                         Dorpsstraat 1                  Almelo                   
+10100.10.1       36 KM       3          44.95 | B12-3   DUIN    5 Duinroos             Anna lang       katoen       streep      
+                 38 KM       1          44.95 |         blouse met kraag               Blouses                      wit            
+                             2          44.95 |
+10200.310.4      38 KM             3    44.95 | B12-3   DUIN    5 Duinroos             Anna lang       katoen       streep      
+                                              |         blouse met kraag                                                           
+                       %s
+               Totaal        3     3
+)",
+          orders[0].nummer, streep));
+  EXPECT_FALSE(file_exists((std::string(privaat.tp) + ".TXT").c_str()));
+
+  // What went on since is not looked for.
+  const std::set<int32_t> nummers = tel(BLOUSE).nummers;
+  go_afwerken(*nummers.begin());
+  int32_t nummer = *std::next(nummers.begin());
+  Etiket e{};
+  ASSERT_TRUE(ioeti('R', &nummer, &e));
+  e.doel = 8;
+  ioeti('W', &nummer, &e);
+  EXPECT_NE(lijsten(orders).find("Totaal        1     3\n"), std::string::npos);
+  // Short pages: each has the head, the total does not stand alone on two of them.
+  const std::string kort = lijsten(orders, 9);
+  EXPECT_EQ(std::count(kort.begin(), kort.end(), '\f') + 1, 2) << kort;
+  EXPECT_NE(kort.find("blad:   2"), std::string::npos);
+}
+
+/// Only what the operator marked, under the receiver's name.
+TEST_F(Uitvoeren, CancelledMutations) {
+  zoek_maak(ZoekTabel::annul, "AKV");
+  ICB* tabel = IXOPEN(privaat.tp, IX_EXCLUSIEF);
+  for (uint32_t n = 1; n <= 4; ++n) {
+    Zoekregel r{};
+    r.vanfil = 0;
+    r.naarfil = 3;
+    r.nr = BLOUSE;
+    r.etiket = n;
+    r.prijs = 123;
+    r.gemarkeerd = n != 2;
+    r.verzamel = n == 4;
+    r.maat = r.rang = 5;
+    memcpy(r.maattekst, " 38", 3);
+    IXWRITE(tabel, &r);
+  }
+  IXCLOSE(tabel);
+  char* bytes = nullptr;
+  size_t n = 0;
+  FILE* uit = open_memstream(&bytes, &n);
+  prt_open_stil(uit, 132, 64);
+  zoeklijst(OpdrachtSoort::geannuleerd, 0);
+  print_close("");
+  fclose(uit);
+  const std::string tekst(bytes, n);
+  free(bytes);
+  EXPECT_NE(tekst.find(" -> FILIAAL 3 "), std::string::npos) << tekst;
+  EXPECT_EQ(tekst.find("MUTATIES"), std::string::npos);
+  EXPECT_EQ(tekst.find("Opdrachtnummer"), std::string::npos);
+  EXPECT_NE(tekst.find("\n10100.10.1       38 KM       1*          1.23 | B12-3"),
+            std::string::npos)
+      << tekst;
+  EXPECT_NE(tekst.find("\n                             3*          1.23 |"), std::string::npos);
+  EXPECT_NE(tekst.find("\n                             4           1.23 |\n"), std::string::npos);
+  EXPECT_NE(tekst.find("Totaal        3\n"), std::string::npos);
+}
+
+int te_gaan;
+
+/// A process that dies at each of its writes, and another that runs the command again: no piece is
+/// lost, none is sent twice, and money is booked for every piece under way.
+TEST_F(Uitvoeren, DyingAtEachWriteSendsNothingTwice) {
+  etiketten(BLOUSE, 14, 5, 0);  // two blocks
+  regel(0, 3, BLOUSE, {{5, 3}});
+  regel(0, 4, BLOUSE, {{5, 2}});
+  sluit();
+  const char* TABELLEN[] = {"DTPICK", "DTGO", "DTFIN", "DTSER"};
+  std::vector<std::unique_ptr<BepKopie>> begin;
+  for (const char* naam : TABELLEN) begin.push_back(std::make_unique<BepKopie>(naam));
+  const std::string etiketten_begin = bytes_van("DTETI.TXT");
+  const auto voer_uit = [&] {
+    keten.open();
+    stel_in();
+    uitvoer_pas();
+    return std::string();
+  };
+  for (int n = 0;; ++n) {
+    SCOPED_TRACE("dies at write " + std::to_string(n));
+    ASSERT_LT(n, 500);
+    for (const auto& kopie : begin) kopie->terug();
+    zet_bytes("DTETI.TXT", etiketten_begin);
+    const std::string einde = Kind([&] {
+                                te_gaan = n;
+                                io_proef.voor_schrijf = [](int, int64_t, size_t) {
+                                  if (te_gaan-- == 0) raise(SIGKILL);
+                                };
+                                return voer_uit();
+                              }).einde(30);
+    ASSERT_TRUE(einde.empty() || einde == "signal 9") << einde;
+    for (const char* naam : TABELLEN) {
+      if (IXCHECK(naam) < 0) ASSERT_EQ(IXBLDIX(naam), 1);
+    }
+    keten.open();
+    stel_in();
+    Telling t = tel(BLOUSE);
+    uint32_t gevraagd = 0;
+    for (const DtPick& r : alles<DtPick>(dtpick)) gevraagd += r.aantal[5];
+    EXPECT_LE(t.onderweg + static_cast<int>(gevraagd), 5) << "never more than was asked";
+    EXPECT_GE(t.onderweg + static_cast<int>(gevraagd), 4) << "the piece in hand at most";
+    for (const int32_t nummer : t.nummers) {
+      EXPECT_TRUE(go_lees(nummer)) << nummer;
+      DtFin fin{};
+      fin.etiket = static_cast<uint32_t>(nummer);
+      IXSWITCH(dtfin, 2);
+      EXPECT_TRUE(IXFIRSTR(dtfin, &fin, 1)) << nummer;
+    }
+    uitvoer_pas();
+    t = tel(BLOUSE);
+    EXPECT_GE(t.onderweg, 4);
+    EXPECT_LE(t.onderweg, 5);
+    int totaal = 0;
+    for (const auto& [plaats, aantal] : t.waar) totaal += aantal;
+    EXPECT_EQ(totaal, 14);
+    EXPECT_TRUE(alles<DtPick>(dtpick).empty());
+    sluit();
+    ASSERT_FALSE(HasFailure());
+    if (einde.empty()) break;
+  }
+}
+
+/// The command asks for its four functions, and gives all back when one is refused.
+TEST_F(Uitvoeren, ClaimsAreTakenAndFreed) {
+  sluit();
+  Agent ander([&](const std::string& wat) -> std::string {
+    if (!keten.is_open) keten.open();
+    session_terminal = 99;
+    int functie = 0;
+    char soort = 0;
+    sscanf(wat.c_str(), "%c%d", &soort, &functie);
+    if (soort == 'v') return vw_free_excl(functie), "vrij";
+    return vw_claim_excl(functie) ? "ja" : "nee";
+  });
+  for (const int functie : {9, 10, 11, 12}) {
+    EXPECT_EQ(ander.ask("p" + std::to_string(functie)), "ja");
+    Terminal t = commando();
+    EXPECT_TRUE(t.wait_for("Wilt u wachten")) << functie;
+    for (const int vrij : {9, 10}) {
+      const std::string soll = vrij < functie ? "nee" : "ja";
+      EXPECT_EQ(ander.ask("p" + std::to_string(vrij)), soll) << functie;
+      if (vrij > functie) ander.ask("v" + std::to_string(vrij));
+    }
+    t.type_now("x");
+    EXPECT_TRUE(t.ready());
+    t.type("N", toets::Enter);
+    EXPECT_SHOWS(t, "terug");
+    for (const int vrij : {9, 10, 11, 12}) {
+      EXPECT_EQ(ander.ask("p" + std::to_string(vrij)), "ja") << functie << " holds " << vrij;
+      ander.ask("v" + std::to_string(vrij));
+    }
+    t.type(toets::Enter);
+    EXPECT_EQ(t.exit_status(), 0);
+  }
+}
+
+/// The selection left as it stands; then the search list, for one who has no printer but the
+/// screen.
+TEST_F(Uitvoeren, TheCommandWithItsScreens) {
+  etiketten(BLOUSE, 2, 5, 0);
+  regel(0, 3, BLOUSE, {{5, 1}});
+  sluit();
+  Terminal t = commando();
+  EXPECT_SHOWS(t, "Selectiecriteria");
+  t.type(toets::Esc);
+  EXPECT_SHOWS(t, "ZOEKLIJST, FILIAAL 0 -> FILIAAL 3", "Einde overzicht");
+  t.type(toets::Esc);
+  EXPECT_SHOWS(t, "terug");
+  t.type(toets::Enter);
+  EXPECT_EQ(t.exit_status(), 0);
+  keten.open();
+  stel_in();
+  EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 1}, {"5:0>3", 1}}));
+  for (const int functie : {9, 10, 11, 12}) EXPECT_TRUE(vw_claim_excl(functie));
+}
+
+}  // namespace
