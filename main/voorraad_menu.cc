@@ -73,7 +73,7 @@ constexpr Rij MENU[] = {
     rubriek(2, T_MENU_DATACOM),
     keuze(T_MENU_DC_SIGNAAL, nullptr, DATACOM),
     keuze(T_MENU_DC_VERWERKEN, nullptr, DATACOM),
-    keuze(T_MENU_DC_WIJZIGEN, nullptr, DATACOM),
+    keuze(T_MENU_DC_WIJZIGEN, dc_wijzigen, DATACOM),
     keuze(T_MENU_DC_WISSEN, nullptr, DATACOM, Recht::beheer),
 
     rubriek(2, T_MENU_INSTELLEN),
