@@ -2,8 +2,9 @@
 // straight from stock, and the search lists tell the branches which labels to look for.
 //
 // The run may be broken off between any two writes. A label leaves by itself (see sub/muteren), and
-// the line on disk asks for one piece less before it does: whoever runs the command again sends
-// what is left, never a piece twice. The line goes last.
+// right behind it the line on disk asks for one piece less: whoever runs the command again finishes
+// the label in hand first, since it is still the first in stock, and sends what is left. The line
+// goes last.
 #include <cstring>
 #include <map>
 #include <utility>
@@ -104,11 +105,11 @@ bool regel_vast() {
 }
 
 void verzend(const Stuk& stuk, const Zending& z) {
+  Etiket e = stuk.etiket;
+  zend_etiket(stuk.nummer, &e, z, ser_rec.maatregistratie == 0);
   --pick_rec.aantal[stuk.etiket.maat];
   IXPUTREC(dtpick, &pick_rec);
   IXLOCK(dtpick, 3);
-  Etiket e = stuk.etiket;
-  zend_etiket(stuk.nummer, &e, z, ser_rec.maatregistratie == 0);
 }
 
 /// One provisional line of a selected series: sends, and takes the line away.

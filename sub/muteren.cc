@@ -1,11 +1,12 @@
 // The steps of a move of a piece between branches.
 //
-// A move writes to several files and may be broken off between any two writes. So the transit
-// record comes first, then the financial line, then the lines for the tills, and the label last: it
-// is the label that says where the piece is, and its one block is written at once. A move that was
-// broken off shows as a transit record that is not finished while its label is not on its way, and
-// no piece ever stands in another branch without the lines that account for it. The counters of the
-// series follow in its own record, under whose lock all of this happens.
+// A move writes to several files and may be broken off between any two writes. So its transit or
+// receipt record comes first, then the financial line, then the lines for the tills, and the label
+// last: it is the label that says where the piece is, and its one block is written at once. A send
+// that was broken off shows as a transit record that is not finished while its label is not on its
+// way; no piece ever stands in another branch without the lines that account for it, and whoever
+// makes the move again that day books no second line. The counters of the series follow in its own
+// record, under whose lock all of this happens.
 #include "sub/muteren.h"
 
 #include <algorithm>
@@ -224,6 +225,26 @@ void io_nieuw(int32_t etiket, const Zending& z, uint8_t onderweg) {
 
 namespace {
 
+/// Whether the last line of the label is this very move, from where it stands, not settled.
+bool geboekt(int32_t nummer, const Etiket& e, const Zending& z) {
+  DtFin f;
+  return fin_laatste(nummer, UINT16_MAX, &f) && f.houder == e.filiaal && f.vanfil == z.van &&
+         f.naarfil == z.naar && f.datum == z.datum && f.afgerekend == 0;
+}
+/// A send of the same day that was broken off after its lines and before its label. What it booked
+/// is not booked again.
+bool zenden_begonnen(int32_t nummer, const Etiket& e, const Zending& z) {
+  return go_lees(nummer) && go_rec.afgewerkt == 0 && go_rec.vanfil == z.van &&
+         go_rec.naarfil == z.naar && go_rec.zenddatum == z.datum && geboekt(nummer, e, z);
+}
+bool ontvangen_begonnen(int32_t nummer, const Etiket& e, const Zending& z) {
+  io_rec = DtIo{};
+  io_rec.naarfil = z.naar;
+  io_rec.datum = z.datum;
+  io_rec.etiket = static_cast<uint32_t>(nummer);
+  return IXREAD(dtio, &io_rec) && io_rec.vanfil == z.van && geboekt(nummer, e, z);
+}
+
 /// The label's last write of a move.
 void schrijf(int32_t nummer, Etiket* e, uint16_t datum) {
   ioeti('W', &nummer, e);
@@ -233,8 +254,9 @@ void schrijf(int32_t nummer, Etiket* e, uint16_t datum) {
 }  // namespace
 
 void zend_etiket(int32_t nummer, Etiket* e, const Zending& z, bool kassa) {
+  const bool begonnen = zenden_begonnen(nummer, *e, z);
   go_nieuw(nummer, z);
-  fin_nieuw(nummer, e->filiaal, z);
+  if (!begonnen) fin_nieuw(nummer, e->filiaal, z);
   if (kassa) kasmut_f(nummer, z.van, z.naar);
   e->filiaal = transit_aan() ? z.van : z.naar;
   e->onderweg = transit_aan() ? 1 : 0;
@@ -243,8 +265,9 @@ void zend_etiket(int32_t nummer, Etiket* e, const Zending& z, bool kassa) {
 }
 
 void ontvang_etiket(int32_t nummer, Etiket* e, const Zending& z) {
-  fin_nieuw(nummer, e->filiaal, z);
+  const bool begonnen = ontvangen_begonnen(nummer, *e, z);
   io_nieuw(nummer, z, 0);
+  if (!begonnen) fin_nieuw(nummer, e->filiaal, z);
   kasmut_f(nummer, z.van, z.naar);
   e->filiaal = z.naar;
   e->onderweg = e->doel = 0;

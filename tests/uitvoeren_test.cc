@@ -385,8 +385,8 @@ TEST_F(Uitvoeren, CancelledMutations) {
 int te_gaan;
 
 /// A process that dies at each of its writes, and another that runs the command again: no piece is
-/// lost, none is sent twice, and money is booked for every piece under way.
-TEST_F(Uitvoeren, DyingAtEachWriteSendsNothingTwice) {
+/// lost, at most the one in hand is sent besides, and each that is under way is booked once.
+TEST_F(Uitvoeren, DyingAtEachWrite) {
   etiketten(BLOUSE, 14, 5, 0);  // two blocks
   regel(0, 3, BLOUSE, {{5, 3}});
   regel(0, 4, BLOUSE, {{5, 2}});
@@ -401,6 +401,7 @@ TEST_F(Uitvoeren, DyingAtEachWriteSendsNothingTwice) {
     uitvoer_pas();
     return std::string();
   };
+  int te_veel = 0;
   for (int n = 0;; ++n) {
     SCOPED_TRACE("dies at write " + std::to_string(n));
     ASSERT_LT(n, 500);
@@ -422,8 +423,8 @@ TEST_F(Uitvoeren, DyingAtEachWriteSendsNothingTwice) {
     Telling t = tel(BLOUSE);
     uint32_t gevraagd = 0;
     for (const DtPick& r : alles<DtPick>(dtpick)) gevraagd += r.aantal[5];
-    EXPECT_LE(t.onderweg + static_cast<int>(gevraagd), 5) << "never more than was asked";
-    EXPECT_GE(t.onderweg + static_cast<int>(gevraagd), 4) << "the piece in hand at most";
+    EXPECT_GE(t.onderweg + static_cast<int>(gevraagd), 5) << "nothing is forgotten";
+    EXPECT_LE(t.onderweg + static_cast<int>(gevraagd), 6) << "the piece in hand at most";
     for (const int32_t nummer : t.nummers) {
       EXPECT_TRUE(go_lees(nummer)) << nummer;
       DtFin fin{};
@@ -433,16 +434,20 @@ TEST_F(Uitvoeren, DyingAtEachWriteSendsNothingTwice) {
     }
     uitvoer_pas();
     t = tel(BLOUSE);
-    EXPECT_GE(t.onderweg, 4);
-    EXPECT_LE(t.onderweg, 5);
+    EXPECT_GE(t.onderweg, 5);
+    EXPECT_LE(t.onderweg, 6);
+    te_veel += t.onderweg - 5;
     int totaal = 0;
     for (const auto& [plaats, aantal] : t.waar) totaal += aantal;
     EXPECT_EQ(totaal, 14);
+    EXPECT_EQ(alles<DtFin>(dtfin).size(), static_cast<size_t>(t.onderweg)) << "each paid once";
+    EXPECT_EQ(alles<DtGo>(dtgo).size(), static_cast<size_t>(t.onderweg));
     EXPECT_TRUE(alles<DtPick>(dtpick).empty());
     sluit();
     ASSERT_FALSE(HasFailure());
     if (einde.empty()) break;
   }
+  EXPECT_LE(te_veel, 5 + 2) << "only when it dies between a label and its line";
 }
 
 /// The command asks for its four functions, and gives all back when one is refused.
