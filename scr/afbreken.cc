@@ -7,6 +7,7 @@
 #include <string>
 
 #include "isam/base.h"
+#include "scr/macro.h"
 #include "scr/scr_curses.h"
 #include "scr/teksten.h"
 
@@ -102,15 +103,16 @@ bool scr_interrupted() {
   const time_t nu = time(nullptr);
   if (nu == laatste_blik) return onderbroken;
   laatste_blik = nu;
-  const bool speelde = macro_speelt();
-  macro_stop();
+  const MacroStaat macro = macro_staat;
+  macro_staat.aan = macro_staat.speelt = false;  // F2 too is a key like any other here
   int key = -1;
   while (key != K_CANCEL && key != K_ESC && key_pending()) key = key_read(nullptr);
   if (key == K_CANCEL || key == K_ESC)
     onderbroken = vraag_onderbreken();
   else if (key != -1)
     scr_error_tekst(txt(T_ALLEEN_CANCEL));
-  macro_speel(speelde);
+  macro_staat = macro;
+  if (onderbroken) macro_stop();
   return onderbroken;
 }
 

@@ -21,6 +21,7 @@
 #include "isam/base.h"
 #include "isam/ix.h"
 #include "isam/tekst.h"
+#include "scr/macro.h"
 #include "scr/scr_curses.h"
 #include "scr/teksten.h"
 #include "scr/terminfo.h"
@@ -237,7 +238,7 @@ void SCRINIT() {
   scr_term_open("");
   echo_weg();  // behind newterm: what ncurses gives back after a kill has it still on
   hooks_vul();
-  macro_stop();
+  macro_begin();
   scr_busy_suppress();
 }
 
@@ -247,6 +248,7 @@ void scr_close() {
   if (scr_ctx->win_count > 0) {
     typeahead(-1);
     if (key_pending()) macro_stop();
+    macro_draag_over();
     scr_ctx->output_off = 0;
     while (scr_ctx->win_count > 1) win_close();
     scr_clrbot(1, 1);

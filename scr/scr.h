@@ -249,9 +249,19 @@ void scr_intr_off();
 void scr_intr_reset();
 bool scr_intr_state();
 
-// Macros: recording and replay come with their own room; these stand.
+// Macros: keys recorded under a letter or digit, played behind F2 in any field that has no use for
+// F2 itself. They lie in the table MACRO, in the directory of the variable MACRO or the current one.
+void macro_user(int nummer);  // whose macros; a replay of another user's ends
+void macro_on_set();          // both forget where the table is
+void macro_off_set();
+bool macro_is_playing();
 void macro_stop();
-void macro_user(int nummer);
+/// Plays the macro of a key: the first of its keys, 0 when macros are off or this key carries none,
+/// -2 when nothing came of it (an unknown macro is asked about, and recorded).
+int macro_run(int key);
+void macro_record(int key);  // 0: asks for the key first
+int macro_menu();            // 0 none, TOETS_DEL delete, TOETS_INS record, else the macro to run
+void macro_delete();
 
 // Fields ------------------------------------------------------------------------------------------
 

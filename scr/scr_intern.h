@@ -52,9 +52,6 @@ void toets_leer();
 void toets_begin();
 /// True while pushed-back keys stand to be read.
 bool toets_in_stapel();
-/// Macro replay: its state, for who must hold it for a while.
-bool macro_speelt();
-void macro_speel(bool aan);
 
 // Messages ----------------------------------------------------------------------------------------
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "isam/base.h"
+#include "scr/macro.h"
 #include "scr/scr_curses.h"
 
 namespace {
@@ -24,8 +25,6 @@ constexpr int FOUTEN_MAX = 3;
 
 std::vector<int> stapel;
 int vooruit = GEEN;  // read one too far
-bool speelt = false;
-int gebruiker = 0;
 
 /// One read: a key of a signal handler goes before everything.
 int lees_een(WINDOW* win, int ms) {
@@ -158,7 +157,7 @@ bool key_pending() {
 }
 
 void key_push(int key) {
-  if (stapel.size() < STAPEL_MAX) stapel.push_back(key);
+  if (!macro_duw(key) && stapel.size() < STAPEL_MAX) stapel.push_back(key);
 }
 
 int key_read(void* window) {
@@ -168,18 +167,18 @@ int key_read(void* window) {
     if (!stapel.empty()) {
       key = stapel.back();
       stapel.pop_back();
-      if (speelt && (key == TOETS_CANCEL || key == TOETS_ESC)) {
+      if (macro_is_playing() && (key == TOETS_CANCEL || key == TOETS_ESC)) {
         macro_stop();
         return key;
       }
-    } else {
+    } else if (key = macro_toets(); key == GEEN) {
       key = toets_lees(window, -1);
-      macro_stop();
     }
     if (scr_ctx->pending_key != 0) {
       key = scr_ctx->pending_key;
       scr_ctx->pending_key = 0;
     }
+    if (key == TOETS_F2 && macro_staat.aan && !key_allowed(TOETS_F2)) key = macro_prefix();
     if (!valt_weg(key)) return key;
   }
   return GEEN;
@@ -213,8 +212,3 @@ int toets_eerste_byte(int key) {
   const char* s = scr_ctx == nullptr ? nullptr : tigetstr(naam);
   return s == nullptr ? 0 : static_cast<uint8_t>(*s);
 }
-
-bool macro_speelt() { return speelt; }
-void macro_speel(bool aan) { speelt = aan; }
-void macro_stop() { speelt = false; }
-void macro_user(int nummer) { gebruiker = nummer; }
