@@ -67,6 +67,7 @@ void opdracht_nieuw() {
   const Werkclaim_excl aanvul(FUNCTIE_AANVUL), opdrachten(FUNCTIE);
   if (!vw_claim_excl(FUNCTIE_AANVUL) || !vw_claim_excl(FUNCTIE)) return;
   selecteer();
+  hdr_line('C', "%s", txt(T_MENU_NIEUWE));
   verzamel(2);
   opdruk(OpdrachtSoort::nieuw);
   saldo_totalen();
