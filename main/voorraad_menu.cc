@@ -14,6 +14,7 @@
 #include "scr/scr.h"
 #include "sub/adv_opdracht.h"
 #include "sub/datacom.h"
+#include "sub/mut_ingave.h"
 #include "sub/opdrnr.h"
 #include "sub/serie_keuze.h"
 
@@ -62,13 +63,13 @@ constexpr Rij MENU[] = {
     keuze(T_MENU_UITGEVOERDE, nullptr),
 
     rubriek(2, T_MENU_VERZENDEN),
-    keuze(T_MENU_PER_NUMMER, nullptr),
+    keuze(T_MENU_PER_NUMMER, verz_ingave),
     keuze(T_MENU_ANNULEREN, nullptr),
     keuze(T_MENU_AFWERKEN, nullptr),
 
     rubriek(2, T_MENU_ONTVANGEN),
-    keuze(T_MENU_PER_NUMMER, nullptr),
-    keuze(T_MENU_BEVESTIGING, nullptr),
+    keuze(T_MENU_PER_NUMMER, ontv_ingave),
+    keuze(T_MENU_BEVESTIGING, ing_ontvangst),
 
     rubriek(2, T_MENU_DATACOM),
     keuze(T_MENU_DC_SIGNAAL, nullptr, DATACOM),
