@@ -34,10 +34,11 @@ void boek(Saldo& saldo, uint8_t van, uint8_t naar, int32_t aantal) {
   if (naar < TELLERS) tel_op(saldo.in[naar], aantal);
 }
 
+MaatHandle* maten = nullptr;  // of the series last read
+
 /// The master data that stands beside a series on the documents of this chain of steps.
 void lees_serie_gegevens(const Serienr& nr) {
   static Kleur kleur;
-  static MaatHandle* maten = nullptr;
   if (!lees_serie(dtser, &ser_rec, nr)) return;
   lees_artikel(dtart, &art_rec, nr.artgroep);
   lees_merk(dtmerk, &merk_rec, ser_rec.merk);
@@ -142,6 +143,8 @@ bool saldo_druk() {
       99;  // forces a head on every page shorter than this; the 132-column screen has 64
   const bool gedrukt = druk_filialen(saldo);
   IXCLOSE(tabel);
+  if (maten != nullptr) mtclose(maten);
+  maten = nullptr;
   return gedrukt;
 }
 
