@@ -190,8 +190,10 @@ void adviezen_uitvoeren() {
   saldo_opdrachtnr = 0;
   selecteer_series();
   adv_sets[ADV_SALDO] = adv_rec;
+  hdr_line('C', "%s", txt(T_MENU_UITVOEREN));
   const std::vector<Uitvoering> orders = uitvoer_pas();
-  if (orders.empty() || !XPRT_OPEN(PRT_SCHERM, PRT_132, nullptr)) return;
+  if (orders.empty()) return msg_info(txt(T_OPDRUK_GEEN));
+  if (!XPRT_OPEN(PRT_SCHERM, PRT_132, nullptr)) return;
   uitvoer_lijsten(orders);
   print_close("");
 }
