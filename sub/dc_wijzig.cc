@@ -7,6 +7,7 @@
 #include "sub/dc_wijzig.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -65,7 +66,7 @@ void kort_in(const Dcw& d) {
     if (leeft(r)) uit.zet(r);
   uit.schrijf();
   io_close(uit.fd);
-  if (!file_move(NIEUW, DC_BESTAND, true)) ctl_fault(DCW_MODULE, HERNOEMEN);
+  if (std::rename(NIEUW, DC_BESTAND) != 0) ctl_fault(DCW_MODULE, HERNOEMEN);
 }
 
 // What a line is about ----------------------------------------------------------------------------
@@ -194,7 +195,7 @@ int dcw_verzamel(Dcw& d, const DcwGrens& g) {
   for (uint32_t regel = 0; dcw_lees(d, regel, &r); ++regel) {
     scr_print(A_WAARDE, rij, kol, "%lu", regel + 1);
     if (scr_interrupted()) {
-      aantal = 0;
+      aantal = -1;
       break;
     }
     if (!past(g, r)) continue;

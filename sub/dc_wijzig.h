@@ -64,7 +64,7 @@ struct Dcw {
 bool dcw_lees(const Dcw&, uint32_t regel, DcRegel*);
 void dcw_schrijf(const Dcw&, uint32_t regel, const DcRegel&);
 DcwArtikel dcw_artikel(Dcw&, const DcRegel&);
-/// Fills the list anew; rows in it, 0 when the operator broke off.
+/// Fills the list anew; rows in it, -1 when the operator broke off.
 int dcw_verzamel(Dcw&, const DcwGrens&);
 /// Zeroes the line of the row in hand and takes the row off the list.
 void dcw_wis(Dcw&);

@@ -258,7 +258,7 @@ void dcw_selectie(Dcw& d) {
     if (!voer_velden_in(g)) return;
     const int aantal = dcw_verzamel(d, g);
     if (aantal > 0) dcw_lijst(d, g.soort);
-    if (aantal == 0 && !scr_intr_state()) msg_info(txt(T_DCW_GEEN));
+    if (aantal == 0) msg_info(txt(T_DCW_GEEN));
   }
 }
 
@@ -271,10 +271,9 @@ void dcw_artikelnummer(Dcw& d) {
     for (;;) {
       INGAVE(RIJ + 1, K_VELD, "13s,EI", &K_CANCEL, g.code);
       if (weg_toets()) break;
-      if (dcw_verzamel(d, g) > 0)
-        dcw_lijst(d, g.soort);
-      else if (!scr_intr_state())
-        scr_error("<%-.13s> %s", g.code, txt(T_DCW_NIET_AANWEZIG));
+      const int aantal = dcw_verzamel(d, g);
+      if (aantal > 0) dcw_lijst(d, g.soort);
+      if (aantal == 0) scr_error("<%-.13s> %s", g.code, txt(T_DCW_NIET_AANWEZIG));
     }
   }
 }
