@@ -253,14 +253,23 @@ void schrijf(int32_t nummer, Etiket* e, uint16_t datum) {
 
 }  // namespace
 
+void etiket_gezonden(Etiket* e, const Zending& z) {
+  e->filiaal = transit_aan() ? z.van : z.naar;
+  e->onderweg = transit_aan() ? 1 : 0;
+  e->doel = transit_aan() ? z.naar : uint8_t{0};
+}
+
+void etiket_ontvangen(Etiket* e, uint8_t naar) {
+  e->filiaal = naar;
+  e->onderweg = e->doel = 0;
+}
+
 void zend_etiket(int32_t nummer, Etiket* e, const Zending& z, bool kassa) {
   const bool begonnen = zenden_begonnen(nummer, *e, z);
   go_nieuw(nummer, z);
   if (!begonnen) fin_nieuw(nummer, e->filiaal, z);
   if (kassa) kasmut_f(nummer, z.van, z.naar);
-  e->filiaal = transit_aan() ? z.van : z.naar;
-  e->onderweg = transit_aan() ? 1 : 0;
-  e->doel = transit_aan() ? z.naar : uint8_t{0};
+  etiket_gezonden(e, z);
   schrijf(nummer, e, z.datum);
 }
 
@@ -269,8 +278,7 @@ void ontvang_etiket(int32_t nummer, Etiket* e, const Zending& z) {
   io_nieuw(nummer, z, 0);
   if (!begonnen) fin_nieuw(nummer, e->filiaal, z);
   kasmut_f(nummer, z.van, z.naar);
-  e->filiaal = z.naar;
-  e->onderweg = e->doel = 0;
+  etiket_ontvangen(e, z.naar);
   schrijf(nummer, e, z.datum);
 }
 

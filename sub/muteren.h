@@ -46,6 +46,10 @@ void io_nieuw(int32_t etiket, const Zending&, uint8_t onderweg);
 void kasmut_f(int32_t etiket, uint8_t van, uint8_t naar);
 void kasmut_d();
 
+/// A label as a send and as a receipt leave it, in memory only.
+void etiket_gezonden(Etiket*, const Zending&);
+void etiket_ontvangen(Etiket*, uint8_t naar);
+
 /// The send of a label in stock: DTGO, DTFIN, KASMUT.TXT (when `kassa`); the label in transit, or
 /// at its destination with the transit administration off; label written, ser_rec's date of the
 /// last movement raised to the send's. ser_rec is not written.
