@@ -166,14 +166,15 @@ std::vector<OpdrKeuze> opdr_kies_meer(const OpdrGrens& grens) {
   return gekozen;
 }
 
-bool volgorde_kies(int row, int col, char* letters) {
+bool volgorde_kies(int row, int col, char* letters, const char* vraag) {
   struct Volgorde {
     const Tekst& tekst;
     const char* letters;
   };
   static constexpr Volgorde VOLGORDES[] = {
       {T_OPDR_ORDE_SERIE, "AKV"}, {T_OPDR_ORDE_LOCATIE, "LAKV"}, {T_OPDR_ORDE_MODEL, "RMAKV"}};
-  const int kol = col + 1 + scr_print(A_LABEL, row, col, "%s", txt(T_OPDR_ORDE_VRAAG));
+  if (vraag == nullptr) vraag = txt(T_OPDR_ORDE_VRAAG);
+  const int kol = col + 1 + scr_print(A_LABEL, row, col, "%s", vraag);
   TrMenu* const menu = tr_menu_new(TR_BOX, row, kol, 0, nullptr);
   if (menu == nullptr) return false;
   int nu = 1;

@@ -26,6 +26,6 @@ bool opdr_kies(int row, int col, const OpdrGrens&, OpdrKeuze*);
 std::vector<OpdrKeuze> opdr_kies_meer(const OpdrGrens&);
 /// Looks one number up without a screen.
 bool opdr_zoek(uint32_t nummer, const OpdrGrens&, OpdrKeuze*);
-/// "Afdrukvolgorde": the menu of the three print orders at row, col; "AKV", "LAKV", "RMAKV" into
-/// `letters` (11 bytes). False when the operator left.
-bool volgorde_kies(int row, int col, char* letters);
+/// "Afdrukvolgorde", or another question: the menu of the three print orders at row, col; "AKV",
+/// "LAKV", "RMAKV" into `letters` (11 bytes). False when the operator left.
+bool volgorde_kies(int row, int col, char* letters, const char* vraag = nullptr);
