@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "sub/records.h"
 
@@ -25,6 +26,8 @@ struct DcRegel {  // 28 bytes; a deleted line is all zero
 static_assert(sizeof(DcRegel) == 28 && offsetof(DcRegel, code) == 4);
 static_assert(offsetof(DcRegel, stuks) == 20 && offsetof(DcRegel, nummer) == 24);
 
+/// The code as it may be printed: up to its NUL, a control byte as a point.
+std::string dc_code_tekst(const char (&code)[13]);
 /// There are transactions: the file holds more than nothing.
 bool dc_aanwezig();
 /// The whole run into an open report: checks, moves when `schrijven`, the signal list. With

@@ -1,0 +1,121 @@
+// The signal list as whole text: one line, or a move, for each transaction, whatever its bytes.
+#include "tests/support/dc_proef.h"
+
+namespace {
+
+struct DcLijst : DcProef {
+  int32_t gone = 0;
+
+  /// Labels 1 to 14 and pieces of JAS, one for each code.
+  std::vector<DcRegel> alle_codes() {
+    std::vector<DcRegel> r;
+    met([&] {
+      serie(WEG, "WEG", "verdwenen");
+      gone = leg(WEG, ETI_VOORRAAD, 1);
+      DtSer rec{};
+      rec.nr = WEG;
+      ASSERT_TRUE(IXREADL(dtser, &rec));
+      IXDELETE(dtser, &rec);
+      ean("8712345678906", 'M', ROK, 2);
+      ean("8700000000013", 'A', ROK, 2);
+      ean("8711111111119", 'M', JAS, 1);
+      ean("8722222222228", 'M', JAS, 2);
+
+      r.push_back(zend(1, 9, code(1)));
+      r.push_back(zend(1, 2, code(9999)));
+      r.push_back(zend(1, 2, code(leg(ROK, ETI_NOTA, 1))));
+      r.push_back(ontvang(1, 2, code(leg(ROK, ETI_VERKOPEN, 2))));
+      r.push_back(ontvang(1, 2, code(weg(ROK, ETI_VERKOPEN, 1, 2, DAG))));
+      r.push_back(ontvang(1, 2, code(weg(ROK, ETI_CORRECTIES, 1, 2, DAG + 9))));
+      r.push_back(zend(1, 2, code(leg(ROK, ETI_VOORRAAD, 3)), DC_GEEN_AANTAL, 21234569));
+      r.push_back(zend(1, 2, code(leg(ROK, ETI_VOORRAAD, 2))));
+      if (transit) {
+        r.push_back(zend(1, 2, code(onderweg(ROK, 1, 3))));
+        r.push_back(zend(1, 2, code(onderweg(ROK, 1, 2))));
+        r.push_back(ontvang(1, 2, code(onderweg(ROK, 1, 3))));
+      }
+      r.push_back(zend(1, 2, code(gone)));
+      // Missed at stocktaking in branch 3: two remarks on one line.
+      const auto inventaris = [](Etiket& e) { e.vrkdat = 45001; };
+      r.push_back(zend(1, 2, code(leg(ROK, ETI_CORRECTIES, 3, 1, inventaris))));
+      r.push_back(zend(1, 2, code(leg(JAS, ETI_VOORRAAD, 1, 3))));
+      r.push_back(zend(1, 2, code(leg(JAS, ETI_VOORRAAD, 1, 2))));
+      weg(JAS, ETI_VERKOPEN, 1, 2, DAG, 0, 1);
+      r.push_back(ontvang(1, 2, "8711111111119", 2));
+      r.push_back(ontvang(1, 2, "8711111111119", 3, 21234569));
+      r.push_back(zend(1, 2, "8711111111119", 4));
+      r.push_back(zend(1, 2, "8711111111119", 5));
+      r.push_back(zend(1, 2, "8712345678906", 1));
+      r.push_back(zend(1, 2, "8799999999995", 1));
+      r.push_back(zend(1, 2, "8700000000013", 1));
+    });
+    return r;
+  }
+};
+
+/// Without the line that holds company, date and page.
+std::string onder_kop(const std::string& lijst) { return lijst.substr(lijst.find('\n') + 1); }
+
+TEST_F(DcLijst, EveryCodeWithTransit) {
+  bestand(alle_codes());
+  const std::string lijst = loop(false);
+  EXPECT_NE(lijst.find(" SIGNAALLIJST TE VERWERKEN DC-TRANSACTIES (VOORRAADBEHEER) "), std::string::npos);
+  EXPECT_EQ(onder_kop(lijst), R"(
+fil --> fil      datum      nummer  artikel        serienummer   stk  opmerking
+------------------------------------------------------------------------------------------------------------------------------------
+  1       9 verz 24-04-23           00000001                          AFK  Ongeldig filiaalnummer
+  1       2 verz 24-04-23           00009999       ???????            AFK  Onbekend etiketnummer
+  1       2 verz 24-04-23           00000001       10100.30.3         AFK  Serie onbekend (check!)
+  1       2 verz 24-04-23           00000021       10100.20.2         AFK  Maat L   Serie met maatregistratie, geen EAN-code gevonde
+  1       2 verz 24-04-23           8722222222228  10100.20.2         SGN  Etiket 00000022 Serie met maatregistratie
+  1       2 verz 24-04-23           8712345678906  10100.10.1      1  AFK  Geen maatregistratie. Maat M   niet verplaatst
+  1       2 verz 24-04-23           8799999999995                  1  AFK  EAN-code onbekend
+  1       2 verz 24-04-23           8700000000013                  1  AFK  EAN-code van klein artikel
+  1       2 verz 24-04-23           00000011       10100.10.1      1  AFK  Ongeldige status NOT fil 1
+  1       2 ontv 24-04-23           00000012       10100.10.1      1  AFK  Ongeldige status VRK fil 2 04-05-23
+  1       2 ontv 24-04-23           00000013       10100.10.1      1  SGN  Verkocht in filiaal 2 d.d. 24-04-23
+  1       2 ontv 24-04-23           00000014       10100.10.1      1  SGN  Gecorrigeerd in filiaal 2 d.d. 03-05-23
+  1       2 verz 24-04-23 21234569  00000015       10100.10.1      1  SGN  Afwijkend verzend-filiaal (3)
+  1       2 verz 24-04-23           00000016       10100.10.1      1  AFK  Reeds aanwezig in filiaal
+  1       2 verz 24-04-23           00000017       10100.10.1      1  AFK  Reeds onderweg van 1 naar 3
+  1       2 verz 24-04-23           00000018       10100.10.1      1  AFK  Onderweg van 1 naar 2
+  1       2 ontv 24-04-23           00000019       10100.10.1      1  SGN  Onderweg van 1 naar 3
+  1       2 verz 24-04-23           00000020       10100.10.1      1  SGN  Inventarisatie fil 3 16-03-23
+                                                                   1  SGN  Afwijkend verzend-filiaal (3)
+  1       2 ontv 24-04-23 21234569  8711111111119  10100.20.2      3  AFK  Maat S   3 stuks niet onderweg met dit documentnummer
+  1       2 ontv 24-04-23           8711111111119  10100.20.2      2  SGN  Maat S   1 stuks niet meer op voorraad
+  1       2 ontv 24-04-23           8711111111119  10100.20.2      2  AFK  Maat S   1 stuks niet onderweg zonder documentnummer
+  1       2 verz 24-04-23           8711111111119  10100.20.2         AFK  Maat S   9 stuks te weinig voorraad
+)");
+}
+
+TEST_F(DcLijst, EveryCodeWithoutTransit) {
+  transit = false;
+  bestand(alle_codes());
+  const std::string lijst = loop(true);
+  EXPECT_NE(lijst.find(" SIGNAALLIJST VERWERKTE DC-TRANSACTIES (VOORRAADBEHEER) "), std::string::npos);
+  EXPECT_EQ(onder_kop(lijst), R"(
+fil --> fil      datum      nummer  artikel        serienummer   stk  opmerking
+------------------------------------------------------------------------------------------------------------------------------------
+  1       9 verz 24-04-23           00000001                          AFK  Ongeldig filiaalnummer
+  1       2 verz 24-04-23           00009999       ???????            AFK  Onbekend etiketnummer
+  1       2 verz 24-04-23           00000001       10100.30.3         AFK  Serie onbekend (check!)
+  1       2 verz 24-04-23           00000021       10100.20.2         AFK  Maat L   Serie met maatregistratie, geen EAN-code gevonde
+  1       2 verz 24-04-23           8722222222228  10100.20.2         SGN  Etiket 00000022 Serie met maatregistratie
+  1       2 verz 24-04-23           8712345678906  10100.10.1      1  AFK  Geen maatregistratie. Maat M   niet verplaatst
+  1       2 verz 24-04-23           8799999999995                  1  AFK  EAN-code onbekend
+  1       2 verz 24-04-23           8700000000013                  1  AFK  EAN-code van klein artikel
+  1       2 verz 24-04-23           00000011       10100.10.1      1  AFK  Ongeldige status NOT fil 1
+  1       2 ontv 24-04-23           00000012       10100.10.1      1  AFK  Ongeldige status VRK fil 2 04-05-23
+  1       2 ontv 24-04-23           00000013       10100.10.1      1  AFK  Ongeldige status VRK fil 2 24-04-23
+  1       2 ontv 24-04-23           00000014       10100.10.1      1  AFK  Ongeldige status COR fil 2 03-05-23
+  1       2 verz 24-04-23 21234569  00000015       10100.10.1      1  SGN  Afwijkend verzend-filiaal (3)
+  1       2 verz 24-04-23           00000016       10100.10.1      1  AFK  Reeds aanwezig in filiaal
+  1       2 verz 24-04-23           00000017       10100.10.1      1  SGN  Inventarisatie fil 3 16-03-23
+                                                                   1  SGN  Afwijkend verzend-filiaal (3)
+  1       2 verz 24-04-23           8711111111119  10100.20.2         AFK  Maat S   9 stuks te weinig voorraad
+  1       2 ontv 24-04-23           8711111111119  10100.20.2         AFK  Maat S   5 stuks te weinig voorraad
+)");
+}
+
+}  // namespace
