@@ -8,11 +8,12 @@
 #include "isam/ix.h"
 #include "main/iotab.h"
 #include "tools/winkel.h"
+#include "tools/winkel_sloten.h"
 
 namespace {
 
 struct Init {
-  std::string map = ".", bedrijf, gebruiker = "BEHEER", wachtwoord;
+  std::string map = ".", bedrijf, gebruiker = "BEHEER", wachtwoord, proefmap, tweede;
   int filialen = 0, cijfers = 8;
 };
 
@@ -68,6 +69,8 @@ void doe_init(Init& o) {
   const std::string bezwaar = gebruiker_bezwaar(o.gebruiker, o.wachtwoord, 'S');
   if (!bezwaar.empty()) winkel_fout(o.gebruiker, bezwaar);
   in_lege_map(o.map);
+  if (const std::string lek = sloten_proef(".", "", SLOT_KORT); !lek.empty())
+    winkel_fout(o.map, lek);
   const std::vector<uint8_t> dtsys =
       systeembestand(o, maak_gebruiker(o.gebruiker, o.wachtwoord, 'S', std::time(nullptr)));
   schrijf_bestand("DTSYS.TXT", dtsys.data(), dtsys.size());
@@ -79,21 +82,42 @@ void doe_init(Init& o) {
              o.gebruiker);
 }
 
+/// Tells how long each proof took: that is what a user of the directory will feel.
+void proef_map(const Init& o) {
+  std::vector<SlotRegel> verslag;
+  const std::string lek = sloten_proef(o.proefmap, o.tweede, SLOT_LANG, &verslag);
+  if (!lek.empty()) winkel_fout(o.proefmap, lek);
+  for (const SlotRegel& r : verslag) fmt::print("{:<48} {:9.1f} ms\n", r.wat, r.ms);
+  fmt::print("{}{}{}: geschikt\n", o.proefmap, o.tweede.empty() ? "" : " en ", o.tweede);
+}
+
 }  // namespace
 
 void verb_init(CLI::App& app) {
   static Init o;
   CLI::App* verb = app.add_subcommand("init", "maak een lege keten in een lege map");
   optie_map(verb, &o.map);
-  verb->add_option("--branches", o.filialen, "aantal filialen, 1 tot 249")
-      ->required()
-      ->check(CLI::Range(1, 249));
-  verb->add_option("--company", o.bedrijf, "naam van het bedrijf")->required();
+  CLI::Option* branches = verb->add_option("--branches", o.filialen, "aantal filialen, 1 tot 249")
+                              ->check(CLI::Range(1, 249));
+  CLI::Option* company = verb->add_option("--company", o.bedrijf, "naam van het bedrijf");
   verb->add_option("--digits", o.cijfers, "cijfers van een etiketnummer, 6 tot 8")
       ->check(CLI::Range(6, 8))
       ->capture_default_str();
   verb->add_option("--gebruiker", o.gebruiker, "code van de systeembeheerder")
       ->capture_default_str();
   verb->add_option("--wachtwoord", o.wachtwoord, "zijn wachtwoord; zonder wordt het gevraagd");
-  verb->callback([] { doe_init(o); });
+  CLI::Option* proef = verb->add_option("--test-locks", o.proefmap,
+                                        "maak niets: keur sloten en samenhang van deze map")
+                           ->type_name("MAP")
+                           ->excludes(branches)
+                           ->excludes(company);
+  verb->add_option("--tweede", o.tweede, "dezelfde map langs een ander koppelpunt")
+      ->type_name("MAP")
+      ->needs(proef);
+  verb->callback([=] {
+    if (proef->count() > 0) return proef_map(o);
+    for (const CLI::Option* nodig : {branches, company})
+      if (nodig->count() == 0) throw CLI::RequiredError(nodig->get_name());
+    doe_init(o);
+  });
 }
