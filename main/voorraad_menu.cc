@@ -4,11 +4,14 @@
 #include "main/voorraad_menu.h"
 
 #include "isam/base.h"
+#include "main/bewaren.h"
 #include "main/controle.h"
 #include "main/magazijn.h"
+#include "main/opdracht_controle.h"
 #include "main/opdruk.h"
 #include "main/saldo.h"
 #include "main/teksten.h"
+#include "main/transit.h"
 #include "main/werktabel.h"
 #include "main/zoeklijst.h"
 #include "scr/scr.h"
@@ -57,15 +60,15 @@ constexpr Rij MENU[] = {
     keuze(T_MENU_NIEUWE, opdracht_nieuw, VOORLOPIG),
     keuze(T_MENU_BESTAANDE, opdracht_bestaand, DEFINITIEF),
     keuze(T_MENU_UITVOEREN, adviezen_uitvoeren, VOORLOPIG),
-    keuze(T_MENU_CONTROLE, nullptr, DEFINITIEF),
+    keuze(T_MENU_CONTROLE, opdracht_controle, DEFINITIEF),
     keuze(T_MENU_LOCATIES, mag_locaties),
     keuze(T_MENU_LOCATIE_SERIE, serie_locatie),
-    keuze(T_MENU_UITGEVOERDE, nullptr),
+    keuze(T_MENU_UITGEVOERDE, mut_uitgevoerd),
 
     rubriek(2, T_MENU_VERZENDEN),
     keuze(T_MENU_PER_NUMMER, verz_ingave),
-    keuze(T_MENU_ANNULEREN, nullptr),
-    keuze(T_MENU_AFWERKEN, nullptr),
+    keuze(T_MENU_ANNULEREN, verz_annuleren),
+    keuze(T_MENU_AFWERKEN, mut_afwerken),
 
     rubriek(2, T_MENU_ONTVANGEN),
     keuze(T_MENU_PER_NUMMER, ontv_ingave),
@@ -78,11 +81,11 @@ constexpr Rij MENU[] = {
     keuze(T_MENU_DC_WISSEN, nullptr, DATACOM, Recht::beheer),
 
     rubriek(2, T_MENU_INSTELLEN),
-    keuze(T_MENU_WIS_VOORLOPIG, nullptr, VOORLOPIG),
-    keuze(T_MENU_WIS_VERZAMEL, nullptr, DEFINITIEF),
-    keuze(T_MENU_WIS_AANVUL, nullptr),
-    keuze(T_MENU_BEWAAR_AANVUL, nullptr),
-    keuze(T_MENU_STEL_CONTROLE, nullptr),
+    keuze(T_MENU_WIS_VOORLOPIG, voorl_wissen, VOORLOPIG),
+    keuze(T_MENU_WIS_VERZAMEL, verzamel_wissen, DEFINITIEF),
+    keuze(T_MENU_WIS_AANVUL, aanvulinfo_wissen),
+    keuze(T_MENU_BEWAAR_AANVUL, aanvulinfo_bewaren),
+    keuze(T_MENU_STEL_CONTROLE, controle_instellen),
 };
 
 /// A menu item must have an operation; one that is not available is never called.
