@@ -1,4 +1,7 @@
 // The signal list as whole text: one line, or a move, for each transaction, whatever its bytes.
+#include <filesystem>
+#include <map>
+
 #include "tests/support/dc_proef.h"
 
 namespace {
@@ -59,7 +62,8 @@ std::string onder_kop(const std::string& lijst) { return lijst.substr(lijst.find
 TEST_F(DcLijst, EveryCodeWithTransit) {
   bestand(alle_codes());
   const std::string lijst = loop(false);
-  EXPECT_NE(lijst.find(" SIGNAALLIJST TE VERWERKEN DC-TRANSACTIES (VOORRAADBEHEER) "), std::string::npos);
+  EXPECT_NE(lijst.find(" SIGNAALLIJST TE VERWERKEN DC-TRANSACTIES (VOORRAADBEHEER) "),
+            std::string::npos);
   EXPECT_EQ(onder_kop(lijst), R"(
 fil --> fil      datum      nummer  artikel        serienummer   stk  opmerking
 ------------------------------------------------------------------------------------------------------------------------------------
@@ -93,7 +97,8 @@ TEST_F(DcLijst, EveryCodeWithoutTransit) {
   transit = false;
   bestand(alle_codes());
   const std::string lijst = loop(true);
-  EXPECT_NE(lijst.find(" SIGNAALLIJST VERWERKTE DC-TRANSACTIES (VOORRAADBEHEER) "), std::string::npos);
+  EXPECT_NE(lijst.find(" SIGNAALLIJST VERWERKTE DC-TRANSACTIES (VOORRAADBEHEER) "),
+            std::string::npos);
   EXPECT_EQ(onder_kop(lijst), R"(
 fil --> fil      datum      nummer  artikel        serienummer   stk  opmerking
 ------------------------------------------------------------------------------------------------------------------------------------
@@ -116,6 +121,76 @@ fil --> fil      datum      nummer  artikel        serienummer   stk  opmerking
   1       2 verz 24-04-23           8711111111119  10100.20.2         AFK  Maat S   9 stuks te weinig voorraad
   1       2 ontv 24-04-23           8711111111119  10100.20.2         AFK  Maat S   5 stuks te weinig voorraad
 )");
+}
+
+/// All files of the chain by name.
+std::map<std::string, std::string> bestanden() {
+  std::map<std::string, std::string> uit;
+  for (const auto& e : std::filesystem::directory_iterator("."))
+    uit[e.path().filename().string()] = bytes_van(e.path().string());
+  return uit;
+}
+
+TEST_F(DcLijst, AListOnlyRunChangesNoFile) {
+  for (const bool aan : {true, false}) {
+    transit = aan;
+    std::vector<DcRegel> regels = alle_codes();
+    // A chain that only works out when each step is seen by the next.
+    int32_t reiziger = 0;
+    met([&] { reiziger = leg(ROK, ETI_VOORRAAD, 0); });
+    const std::string c = code(reiziger);
+    for (const DcRegel& r : {zend(0, 1, c), ontvang(0, 1, c), zend(1, 4, c), ontvang(1, 4, c)})
+      regels.push_back(r);
+    bestand(regels);
+    const auto voor = bestanden();
+    const std::string eerste = loop(false);
+    EXPECT_TRUE(bestanden() == voor) << "transit " << aan;
+    EXPECT_EQ(loop(false), eerste);
+    // With the administration off the label is there at once, and each receive says so.
+    EXPECT_EQ(eerste.find(c + "       10100.10.1      1  AFK  Reeds aanwezig") == std::string::npos,
+              aan);
+    EXPECT_EQ(regels_van(loop(true)), regels_van(eerste)) << "the same remarks when it writes";
+    EXPECT_EQ(staat(reiziger), "4");
+    EXPECT_FALSE(dc_aanwezig());
+  }
+}
+
+TEST_F(DcLijst, AnyBytesAreALineOfTheList) {
+  std::string bytes(28, '\0');  // a deleted line
+  DcRegel r = zend(1, 2, "");
+  memcpy(r.code, "\x1b[2J\n\f\x7fGr\x81n\r", 12);
+  r.nummer = UINT32_MAX;
+  r.soort = 77;
+  for (const DcRegel& een : {r, zend(5, 6, "8712345678906", 0), zend(0, 5, "00000000", 70000)})
+    bytes.append(reinterpret_cast<const char*>(&een), sizeof een);
+  bytes += std::string(27, 'x');  // a line that is not whole is none
+  zet_bytes(DC_BESTAND, bytes);
+  EXPECT_EQ(regels_van(loop(false)),
+            "  0       0 verz   -  -                                            0  AFK  EAN-code "
+            "onbekend\n"
+            "  1       2 ontv 24-04-23       -1  .[2J...Gr\x81n.                      AFK  "
+            "EAN-code onbekend\n"
+            "  5       6 verz 24-04-23           8712345678906                  0  AFK  Ongeldig "
+            "filiaalnummer\n"
+            "  0       5 verz 24-04-23           00000000                   70000  AFK  EAN-code "
+            "onbekend\n");
+  for (const size_t n : {size_t{1}, size_t{27}}) {
+    zet_bytes(DC_BESTAND, std::string(n, 'x'));
+    EXPECT_EQ(loop(false), "");
+  }
+}
+
+TEST_F(DcLijst, PagesAndEndlessPaper) {
+  bestand(std::vector<DcRegel>(12, zend(0, 9, "1")));
+  const auto koppen = [this](int bladzij) {
+    const std::string lijst = loop(false, bladzij);
+    int n = 0;
+    for (size_t p = 0; (p = lijst.find("fil --> fil", p)) != std::string::npos; ++p) ++n;
+    return n;
+  };
+  EXPECT_EQ(koppen(10), 2) << "six lines under four of head";
+  EXPECT_EQ(koppen(0), 1);
+  EXPECT_EQ(koppen(9999), 1);
 }
 
 }  // namespace
