@@ -5,11 +5,24 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "sub/datacom.h"
 #include "sub/records.h"
 
 namespace {
 
 using enum VeldSoort;
+
+constexpr Veld met_vorm(const char* naam, size_t offset, VeldSoort soort, VeldVorm vorm) {
+  Veld v{naam, static_cast<int>(offset), soort};
+  v.vorm = vorm;
+  return v;
+}
+constexpr Veld dag(const char* naam, size_t offset) {
+  return met_vorm(naam, offset, u16, VeldVorm::dag);
+}
+constexpr Veld centen(const char* naam, size_t offset) {
+  return met_vorm(naam, offset, i32, VeldVorm::centen);
+}
 
 constexpr Veld AANV[] = {{"artgroep", 0, u32},
                          {"kleur", 4, u16},
@@ -30,6 +43,14 @@ constexpr Veld ART[] = {{"nummer", 0, u32},
                         {"serie_maatsoort", offsetof(DtArt, serie_maatsoort), u8},
                         {"streef", offsetof(DtArt, streef), u8, 0, sizeof DtArt::streef, 0, true}};
 
+constexpr Veld DCIF[] = {{"vanfil", 0, u8},
+                         {"naarfil", offsetof(DcRegel, naarfil), u8},
+                         dag("datum", offsetof(DcRegel, datum)),
+                         {"code", offsetof(DcRegel, code), tekst, sizeof DcRegel::code},
+                         {"soort", offsetof(DcRegel, soort), u8},
+                         met_vorm("stuks", offsetof(DcRegel, stuks), u32, VeldVorm::stuks),
+                         {"nummer", offsetof(DcRegel, nummer), u32}};
+
 constexpr Veld DOELGR[] = {{"letter", 0, tekst, 1},
                            {"tekst", offsetof(DtDoelgr, tekst), tekst, sizeof DtDoelgr::tekst}};
 
@@ -44,7 +65,7 @@ constexpr Veld FIN[] = {
     {"afgerekend", offsetof(DtFin, afgerekend), u8},
     {"soort", offsetof(DtFin, soort), u8},
     {"vanfil", offsetof(DtFin, vanfil), u8},
-    {"datum", offsetof(DtFin, datum), u16},
+    dag("datum", offsetof(DtFin, datum)),
     {"artgroep", offsetof(DtFin, nr), u32},
     {"kleur", offsetof(DtFin, nr) + 4, u16},
     {"volgnr", offsetof(DtFin, nr) + 6, u16},
@@ -62,8 +83,8 @@ constexpr Veld GO[] = {{"vanfil", 0, u8},
                        {"opdrachtnr", offsetof(DtGo, opdrachtnr), u32},
                        {"soort", offsetof(DtGo, soort), u8},
                        {"afgewerkt", offsetof(DtGo, afgewerkt), u8},
-                       {"zenddatum", offsetof(DtGo, zenddatum), u16},
-                       {"printdatum", offsetof(DtGo, printdatum), u16}};
+                       dag("zenddatum", offsetof(DtGo, zenddatum)),
+                       dag("printdatum", offsetof(DtGo, printdatum))};
 
 constexpr Veld HMNU[] = {
     {"slot", 0, u16},
@@ -74,22 +95,22 @@ constexpr Veld HMNU[] = {
 
 constexpr Veld IO[] = {{"naarfil", 0, u8},
                        {"vanfil", offsetof(DtIo, vanfil), u8},
-                       {"datum", offsetof(DtIo, datum), u16},
+                       dag("datum", offsetof(DtIo, datum)),
                        {"etiket", offsetof(DtIo, etiket), u32},
                        {"opdrachtnr", offsetof(DtIo, opdrachtnr), u32},
-                       {"registratie", offsetof(DtIo, registratie), u16},
+                       dag("registratie", offsetof(DtIo, registratie)),
                        {"onderweg", offsetof(DtIo, onderweg), u8}};
 
 constexpr Veld IPA[] = {{"artgroep", 0, u32},
                         {"kleur", 4, u16},
                         {"volgnr", 6, u16},
                         {"nummer", offsetof(DtIpa, nummer), u16},
-                        {"eind", offsetof(DtIpa, eind), u16},
+                        dag("eind", offsetof(DtIpa, eind)),
                         {"soort", offsetof(DtIpa, soort), u8},
                         {"maten", offsetof(DtIpa, maten), bits, sizeof DtIpa::maten},
                         {"groepnummer", offsetof(DtIpa, groepnummer), u16},
                         {"code", offsetof(DtIpa, code), u8},
-                        {"begin", offsetof(DtIpa, begin), u16},
+                        dag("begin", offsetof(DtIpa, begin)),
                         {"groep1", offsetof(DtIpa, groep1), i32}};
 
 constexpr Veld KLT[] = {{"nummer", 0, u32},
@@ -98,8 +119,8 @@ constexpr Veld KLT[] = {{"nummer", 0, u32},
                         {"plaats", offsetof(DtKlt, plaats), tekst, sizeof DtKlt::plaats}};
 
 constexpr Veld KOERS[] = {{"valuta", 0, tekst, sizeof DtKoers::valuta},
-                          {"datum", offsetof(DtKoers, datum), u16},
-                          {"koers", offsetof(DtKoers, koers), i32}};
+                          dag("datum", offsetof(DtKoers, datum)),
+                          met_vorm("koers", offsetof(DtKoers, koers), i32, VeldVorm::koers)};
 
 constexpr Veld LEV[] = {{"nummer", 0, u16},
                         {"naam", offsetof(DtLev, naam), tekst, sizeof DtLev::naam},
@@ -133,7 +154,7 @@ constexpr Veld PICK[] = {{"vanfil", offsetof(DtPick, vanfil), u8},
                          {"volgnr", offsetof(DtPick, nr) + 6, u16},
                          {"opdrachtnr", offsetof(DtPick, opdrachtnr), u32},
                          {"aantal", offsetof(DtPick, aantal), u32, 0, MATEN, 0, true},
-                         {"orderdatum", offsetof(DtPick, orderdatum), u16}};
+                         dag("orderdatum", offsetof(DtPick, orderdatum))};
 
 constexpr Veld REL[] = {{"gebruiker", 0, u16},
                         {"slot", offsetof(DtRel, slot), u16},
@@ -158,17 +179,17 @@ constexpr Veld SER[] = {
     {"kenmerk", offsetof(DtSer, kenmerk), tekst, sizeof DtSer::kenmerk},
     {"maten", offsetof(DtSer, maten), bits, sizeof DtSer::maten},
     {"maatlijst", offsetof(DtSer, maatlijst), u8, 0, sizeof DtSer::maatlijst},
-    {"inkoopprijs", offsetof(DtSer, inkoopprijs), i32},
-    {"adviesprijs", offsetof(DtSer, adviesprijs), i32},
-    {"verkoopprijs", offsetof(DtSer, verkoopprijs), i32},
-    {"datum_wijziging", offsetof(DtSer, datum_wijziging), u16},
+    centen("inkoopprijs", offsetof(DtSer, inkoopprijs)),
+    centen("adviesprijs", offsetof(DtSer, adviesprijs)),
+    centen("verkoopprijs", offsetof(DtSer, verkoopprijs)),
+    dag("datum_wijziging", offsetof(DtSer, datum_wijziging)),
     {"leverancier", offsetof(DtSer, leverancier), u16},
-    {"datum_creatie", offsetof(DtSer, datum_creatie), u16},
+    dag("datum_creatie", offsetof(DtSer, datum_creatie)),
     {"correcties", offsetof(DtSer, correcties), u32},
     {"verkocht", offsetof(DtSer, verkocht), u32},
     {"voorraad", offsetof(DtSer, voorraad), u32},
     {"besteld", offsetof(DtSer, besteld), u32},
-    {"datum_mutatie", offsetof(DtSer, datum_mutatie), u16},
+    dag("datum_mutatie", offsetof(DtSer, datum_mutatie)),
     {"locatie", offsetof(DtSer, locatie), tekst, sizeof DtSer::locatie},
     {"maatregistratie", offsetof(DtSer, maatregistratie), u8},
     {"via_pricat", offsetof(DtSer, via_pricat), u8},
@@ -209,6 +230,7 @@ constexpr bool binnen(Velden velden, size_t lengte) {
   });
 }
 static_assert(binnen(AANV, sizeof(DtAanv)) && binnen(ART, sizeof(DtArt)));
+static_assert(binnen(DCIF, sizeof(DcRegel)));
 static_assert(binnen(DOELGR, sizeof(DtDoelgr)) && binnen(EAN, sizeof(DtEan)));
 static_assert(binnen(FIN, sizeof(DtFin)) && binnen(GO, sizeof(DtGo)));
 static_assert(binnen(HMNU, sizeof(DtHmnu)) && binnen(IO, sizeof(DtIo)));
@@ -224,12 +246,12 @@ struct Rij {
   Velden velden;
 };
 constexpr Rij TABELLEN[] = {
-    {"DTAANV", AANV},       {"DTART", ART},   {"DTDOELGR", DOELGR}, {"DTEAN", EAN},
-    {"DTFIN", FIN},         {"DTGO", GO},     {"DTHMNU", HMNU},     {"DTIO", IO},
-    {"DTIPA", IPA},         {"DTKLT", KLT},   {"DTKOERS", KOERS},   {"DTLEV", LEV},
-    {"DTMAAT", MAAT},       {"DTMERK", MERK}, {"DTMTOM", MTOM},     {"DTPICK", PICK},
-    {"DTREL", REL},         {"DTSER", SER},   {"tpck", TPCK},       {"tmpgo", PICK},
-    {"tmp_browse", BROWSE}, {"tmpcor", COR},  {"locatie", LOCATIE}};
+    {"DTAANV", AANV}, {"DTDCIF", DCIF},       {"DTART", ART},   {"DTDOELGR", DOELGR},
+    {"DTEAN", EAN},   {"DTFIN", FIN},         {"DTGO", GO},     {"DTHMNU", HMNU},
+    {"DTIO", IO},     {"DTIPA", IPA},         {"DTKLT", KLT},   {"DTKOERS", KOERS},
+    {"DTLEV", LEV},   {"DTMAAT", MAAT},       {"DTMERK", MERK}, {"DTMTOM", MTOM},
+    {"DTPICK", PICK}, {"DTREL", REL},         {"DTSER", SER},   {"tpck", TPCK},
+    {"tmpgo", PICK},  {"tmp_browse", BROWSE}, {"tmpcor", COR},  {"locatie", LOCATIE}};
 
 /// TPnn and a letter.
 std::string_view soort_van(std::string_view naam) {

@@ -22,6 +22,15 @@ enum class VeldSoort : uint8_t {
   bits,  // a set: bit n of the bytes, lowest first
 };
 
+/// What a number says; dumps show it as it stands, imports and exports as people write it.
+enum class VeldVorm : uint8_t {
+  getal,
+  dag,     // u16, a date number: DD-MM-JJJJ, empty for none
+  centen,  // i32, hundredths: "12.50"
+  koers,   // i32, millionths: "1.234567"
+  stuks,   // u32, all ones without a count: empty
+};
+
 struct Veld {
   const char* naam;
   int offset;
@@ -30,12 +39,14 @@ struct Veld {
   int aantal = 1;    // values in a row
   int stap = 0;      // bytes from value to value; 0: they touch
   bool som = false;  // a row of quantities: only those not 0 are shown, and their sum
+  VeldVorm vorm = VeldVorm::getal;
 };
 using Velden = std::span<const Veld>;
 
 /// Bytes of one value.
 int veld_breedte(const Veld&);
-/// Fields of a table by name ("DTPICK", "DTSER.V07", "TP07P"); empty when nothing is known of it.
+/// Fields of a table by name ("DTPICK", "DTSER.V07", "TP07P", or the flat file "DTDCIF"); empty
+/// when nothing is known of it.
 Velden velden_van(std::string_view naam) noexcept;
 /// The same; a name that says nothing may have a description in its header that does.
 Velden velden_van(const ICB& kop, std::string_view naam) noexcept;

@@ -37,6 +37,9 @@ void verb_printer(CLI::App&);
 void verb_terminal(CLI::App&);
 void verb_saldo(CLI::App&);
 void verb_status(CLI::App&);
+void verb_export(CLI::App&);
+void verb_import(CLI::App&);
+void verb_backup(CLI::App&);
 
 /// Bytes of a file, made with 0660. A fault when it cannot be written whole.
 void schrijf_bestand(const char* naam, const void* bytes, size_t n);

@@ -70,6 +70,9 @@ int main(int argc, char** argv) {
   verb_terminal(app);
   verb_saldo(app);
   verb_status(app);
+  verb_export(app);
+  verb_import(app);
+  verb_backup(app);
   groepeer(app);
   try {
     app.parse(argc, argv);
