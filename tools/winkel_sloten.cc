@@ -186,8 +186,9 @@ std::string naamwissel(const Proef& p) {
   if (s.uit != 0) return met_fout("een bestand krijgt zijn naam niet", s);
   p.b.zeg({SlotDoe::kijk, 0, 0, 0, p.maat.wissels, {}});
   p.a.zeg({SlotDoe::wissels, 0, 0, 0, p.maat.wissels, {}});
-  const SlotAntwoord w = p.a.hoor(), k = p.b.hoor();
+  const SlotAntwoord w = p.a.hoor();
   if (w.uit != p.maat.wissels) return met_fout("een bestand krijgt zijn naam niet", w);
+  const SlotAntwoord k = p.b.hoor();
   if (k.uit == -1 && k.fout == ENOENT) return "een naam die van bestand wisselt, is even weg";
   if (k.uit == -1 && k.fout == ESTALE)
     return "een naam die van bestand wisselt, geeft nog het oude bestand";

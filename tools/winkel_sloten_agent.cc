@@ -96,9 +96,13 @@ int64_t tel(int fd, const SlotVraag& v) {
       even(20);
     }
     const int64_t stand = lees(fd, v.van);
-    if (stand < 0 || !schrijf(fd, stand + 1, v.van)) return -1;
+    const bool goed = stand >= 0 && schrijf(fd, stand + 1, v.van);
+    const int fout = errno;
     slot_v.soort = F_UNLCK;
     if (slot(fd, F_SETLK, slot_v, &f) != 0) return -1;
+    errno = fout;
+    if (!goed) return -1;
+    even(10);  // or one would be through before the other has begun
   }
   return v.getal;
 }
