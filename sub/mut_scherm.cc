@@ -31,10 +31,9 @@ struct Scherm {
 
 // Fields ------------------------------------------------------------------------------------------
 
-/// One branch with its label; everything from the label on is cleared first.
+/// One branch with its label; the row is cleared from the label on.
 Stap veld_filiaal(int col, const Tekst& label, uint8_t* filiaal) {
   scr_clreol(RIJ_FILIALEN, col);
-  scr_clreol(RIJ_NUMMER, KOL);
   const int veld = col + scr_print(A_LABEL, RIJ_FILIALEN, col, "%s", txt(label));
   key_allow(K_CANCEL);
   fil_field(RIJ_FILIALEN, veld, "IEZP", filiaal);
@@ -57,12 +56,19 @@ int toon_label(const Tekst& label) {
   return KOL + 1 + scr_print(A_LABEL, RIJ_NUMMER, KOL, "%s", txt(label));
 }
 
+void toon_nummer(int col, uint32_t nummer) {
+  if (nummer == 0)
+    scr_print(A_WAARDE, RIJ_NUMMER, col, "%s", txt(T_MUT_NIET_INGEGEVEN));
+  else
+    scr_print(A_WAARDE, RIJ_NUMMER, col, "%8lu", nummer);
+}
+
 Stap veld_nummer(const Tekst& label, uint32_t* nummer) {
   *nummer = 0;
   const int col = toon_label(label);
-  if (!opdrnr_ingave(RIJ_NUMMER, col, nummer)) return Stap::terug;
-  if (*nummer == 0) scr_print(A_WAARDE, RIJ_NUMMER, col, "%s", txt(T_MUT_NIET_INGEGEVEN));
-  return Stap::verder;
+  const bool goed = opdrnr_ingave(RIJ_NUMMER, col, nummer);
+  if (goed) toon_nummer(col, *nummer);
+  return goed ? Stap::verder : Stap::terug;
 }
 
 /// An order of the sending branch, when it has any. True when it names the receiver as well.
@@ -84,30 +90,23 @@ bool kies_opdracht(MutIngang* in) {
   return true;
 }
 
-void toon_opdracht(const MutIngang& in) {
-  const int col = toon_label(T_MUT_OPDRACHTNR);
-  if (in.opdrachtnr == 0)
-    scr_print(A_WAARDE, RIJ_NUMMER, col, "%s", txt(T_MUT_NIET_INGEGEVEN));
-  else
-    scr_print(A_WAARDE, RIJ_NUMMER, col, "%8lu", in.opdrachtnr);
+Stap eerste_filiaal(const Tekst& label, uint8_t* filiaal) {
+  scr_clreol(RIJ_NUMMER, KOL);
+  return veld_filiaal(KOL, label, filiaal);
 }
 
-Stap stap_van(Scherm& s) { return veld_filiaal(KOL, T_MUT_VAN_EERST, &s.in.vanfil); }
+Stap stap_van(Scherm& s) { return eerste_filiaal(T_MUT_VAN_EERST, &s.in.vanfil); }
 Stap stap_naar(Scherm& s) { return veld_ander(T_MUT_NAAR, &s.in.naarfil, s.in.vanfil); }
 Stap stap_opdracht_naar(Scherm& s) {
-  Stap stap = Stap::verder;
-  if (kies_opdracht(&s.in)) {
-    const int col =
-        KOL_TWEEDE + scr_print(A_LABEL, RIJ_FILIALEN, KOL_TWEEDE, "%s", txt(T_MUT_NAAR));
-    scr_print(A_WAARDE, RIJ_FILIALEN, col, "%d", s.in.naarfil);
-  } else {
-    stap = stap_naar(s);
-  }
-  if (stap == Stap::verder) toon_opdracht(s.in);
-  return stap;
+  const bool heel = kies_opdracht(&s.in);
+  toon_nummer(toon_label(T_MUT_OPDRACHTNR), s.in.opdrachtnr);
+  if (!heel) return stap_naar(s);
+  const int col = KOL_TWEEDE + scr_print(A_LABEL, RIJ_FILIALEN, KOL_TWEEDE, "%s", txt(T_MUT_NAAR));
+  scr_print(A_WAARDE, RIJ_FILIALEN, col, "%d", s.in.naarfil);
+  return Stap::verder;
 }
 Stap stap_opdracht(Scherm& s) { return veld_nummer(T_MUT_OPDRACHTNR, &s.in.opdrachtnr); }
-Stap stap_naar_eerst(Scherm& s) { return veld_filiaal(KOL, T_MUT_NAAR_EERST, &s.in.naarfil); }
+Stap stap_naar_eerst(Scherm& s) { return eerste_filiaal(T_MUT_NAAR_EERST, &s.in.naarfil); }
 Stap stap_van_tweede(Scherm& s) { return veld_ander(T_MUT_VAN, &s.in.vanfil, s.in.naarfil); }
 
 /// Whether anything that was sent carries a number.
