@@ -1,0 +1,129 @@
+// The run with a process that dies at each of its writes, and the same command again: it ends where
+// the first would have.
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+#include "tests/support/beproeving.h"
+#include "tests/support/dc_proef.h"
+
+namespace {
+
+int te_gaan;
+
+void sterf_na(int schrijfbeurten) {
+  te_gaan = schrijfbeurten;
+  io_proef.voor_schrijf = [](int, int64_t, size_t) {
+    if (te_gaan-- == 0) raise(SIGKILL);
+  };
+}
+
+constexpr const char* TABELLEN[] = {"DTGO", "DTFIN", "DTIO", "DTSER"};
+
+struct DcDood : DcProef {
+  std::vector<int32_t> etiketten;
+  std::map<std::string, std::string> begin;
+
+  void vul() {
+    std::vector<DcRegel> r;
+    met([&] {
+      const auto meld = [&](DcRegel regel, int32_t n) {
+        veld_zet(regel.code, sizeof regel.code, code(n));
+        r.push_back(regel);
+        etiketten.push_back(n);
+      };
+      meld(zend(1, 2, ""), leg(ROK, ETI_VOORRAAD, 1));
+      meld(zend(1, 2, ""), leg(ROK, ETI_VOORRAAD, 3));
+      if (transit) {
+        meld(ontvang(1, 2, ""), onderweg(ROK, 1, 2));
+        meld(ontvang(1, 2, ""), onderweg(ROK, 1, 3));
+        meld(ontvang(1, 2, ""), weg(ROK, ETI_VERKOPEN, 1, 2, DAG));
+      }
+      meld(ontvang(1, 4, ""), leg(ROK, ETI_VOORRAAD, 1));
+      meld(zend(1, 2, ""), leg(ROK, ETI_CORRECTIES, 1));
+      ean("8711111111119", 'M', JAS, 1);
+      for (int i = 0; i < 3; ++i) leg(JAS, ETI_VOORRAAD, 1);
+      r.push_back(zend(1, 2, "8711111111119", 2));
+    });
+    bestand(r);
+    for (const auto& e : std::filesystem::directory_iterator("."))
+      begin[e.path().filename().string()] = bytes_van(e.path().string());
+  }
+  void terug() const {
+    for (const auto& e : std::filesystem::directory_iterator(".")) std::filesystem::remove(e);
+    for (const auto& [naam, bytes] : begin) zet_bytes(naam, bytes);
+  }
+  /// Dies at write `n`; true when it ran through.
+  bool sterft(int n) {
+    const std::string einde = Kind([&] {
+                                sterf_na(n);
+                                loop(true);
+                                return std::string();
+                              }).einde(30);
+    EXPECT_TRUE(einde.empty() || einde == "signal 9") << einde;
+    return einde.empty();
+  }
+  template <class Rec>
+  void voeg_toe(std::string& uit, ICB* tabel) {
+    Rec rec{};
+    for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec))
+      if (std::ranges::count(etiketten, static_cast<int32_t>(rec.etiket)) != 0)
+        uit.append(reinterpret_cast<const char*>(&rec), sizeof rec);
+  }
+  /// The labels and their records, and how many pieces of JAS there are.
+  std::string stand() {
+    std::string uit;
+    met([&] {
+      for (int32_t n : etiketten) {
+        Etiket e{};
+        EXPECT_TRUE(ioeti('R', &n, &e));
+        uit += staat(e) + " ";
+      }
+      voeg_toe<DtGo>(uit, dtgo);
+      voeg_toe<DtFin>(uit, dtfin);
+      voeg_toe<DtIo>(uit, dtio);
+      DtSer rec{};
+      rec.nr = ROK;
+      EXPECT_TRUE(IXREAD(dtser, &rec));
+      uit += str_format(" %d", rec.datum_mutatie);
+      rec.nr = JAS;
+      EXPECT_TRUE(IXREAD(dtser, &rec));
+      int32_t nummer = rec.blok1;
+      int stuks = 0;
+      Etiket e{};
+      for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) ++stuks;
+      uit += str_format(" %d", stuks);
+    });
+    return uit;
+  }
+  void op_elke_schrijfbeurt() {
+    vul();
+    loop(true);
+    const std::string soll = stand();
+    for (int n = 0;; ++n) {
+      SCOPED_TRACE("dies at write " + std::to_string(n));
+      ASSERT_LT(n, 2000);
+      terug();
+      const bool heel = sterft(n);
+      EXPECT_EQ(dc_aanwezig(), !heel);
+      for (const char* naam : TABELLEN) {
+        if (bytes_van(std::string(naam) + ".INX")[45] != 0) EXPECT_EQ(IXBLDIX(naam), 1);
+      }
+      loop(true);
+      EXPECT_TRUE(stand() == soll);
+      EXPECT_TRUE(tabellen_heel());
+      EXPECT_FALSE(dc_aanwezig() || file_exists("TP07E.INX") || file_exists("TP07M.TXT"));
+      ASSERT_FALSE(HasFailure());
+      if (heel) break;
+    }
+  }
+};
+
+TEST_F(DcDood, AtEachWrite) { op_elke_schrijfbeurt(); }
+
+TEST_F(DcDood, AtEachWriteWithoutTransit) {
+  transit = false;
+  op_elke_schrijfbeurt();
+}
+
+}  // namespace
