@@ -5,7 +5,7 @@ HUIS=$(cd "$(dirname "$0")" && pwd)
 BOUW=${BOUW:-$HUIS/build}
 
 BASIS="g++ cmake ninja-build pkg-config ccache libncurses-dev ncurses-bin libfmt-dev libcli11-dev \
-nlohmann-json3-dev libsqlite3-dev tmux cups-client"
+nlohmann-json3-dev libsqlite3-dev libmd-dev tmux cups-client"
 PROEF="libgtest-dev libvterm-dev python3"
 METING="libbenchmark-dev liblmdb-dev libdb5.3-dev libtdb-dev"
 RAFEL="clang libclang-rt-14-dev"

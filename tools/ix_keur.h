@@ -51,6 +51,27 @@ int rij_aantal(const uint8_t* blok, int breed);
 void loop_bladeren(const Keuring&, int sleutel,
                    const std::function<bool(const uint8_t* beeld, int32_t record)>& doe);
 
-/// DTETI.TXT and DTIPG.TXT in the current directory, under their control records.
+/// A chained flat file, and the table whose records start its chains.
+struct PlatBestand {
+  const char* bestand;
+  const char* tabel;
+  int32_t systeem;  // number of the control record
+};
+inline constexpr PlatBestand PLAT_ETIKETTEN{"DTETI.TXT", "DTSER", 4};
+inline constexpr PlatBestand PLAT_PRIJSGROEPEN{"DTIPG.TXT", "DTIPA", 9};
+
+/// Copies of them, of one moment.
+struct PlatKopie {
+  std::vector<uint8_t> bestand, tabel, index;
+  uint8_t control[64] = {};
+};
+/// Copies under the control record and the table's header; the table's index only when asked. False
+/// with a fault in the report.
+bool plat_kopieer(const PlatBestand&, int wacht, bool met_index, PlatKopie*, Verslag*);
+void keur_etiketten(const PlatKopie&, Verslag*);
+void keur_prijsgroepen(const PlatKopie&, Verslag*);
+
+/// DTETI.TXT and DTIPG.TXT in the current directory: a fault counts when a second look a moment
+/// later finds it too.
 void keur_etiketten(int wacht, Verslag*);
 void keur_prijsgroepen(int wacht, Verslag*);

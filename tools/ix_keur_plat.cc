@@ -19,19 +19,6 @@
 
 namespace {
 
-struct PlatBestand {
-  const char* bestand;
-  const char* tabel;  // whose records start the chains
-  int32_t systeem;    // number of the control record
-};
-constexpr PlatBestand ETIKETTEN{"DTETI.TXT", "DTSER", 4};
-constexpr PlatBestand PRIJSGROEPEN{"DTIPG.TXT", "DTIPA", 9};
-
-struct PlatKopie {
-  std::vector<uint8_t> bestand, tabel;
-  uint8_t control[64] = {};
-};
-
 struct Descriptors {
   int plat = -1, data = -1, kop = -1;
   bool systeem = false;
@@ -49,8 +36,9 @@ bool open(const std::string& pad, int* fd, Verslag* v) {
   return *fd >= 0;
 }
 
-/// Copies the file and its table under the control record and the table's header.
-bool kopieer(const PlatBestand& p, int wacht, PlatKopie* uit, Verslag* v) {
+}  // namespace
+
+bool plat_kopieer(const PlatBestand& p, int wacht, bool met_index, PlatKopie* uit, Verslag* v) {
   Descriptors d;
   const std::string tabel = p.tabel;
   if (access("DTSYS.TXT", R_OK | W_OK) != 0) {
@@ -79,14 +67,21 @@ bool kopieer(const PlatBestand& p, int wacht, PlatKopie* uit, Verslag* v) {
         slot_houder(iotab_fd(), int64_t{nr - 1} * SYS_RECORDS.lengte, SYS_RECORDS.lengte);
     return pid != 0 ? pid : slot_houder(d.kop, 0, IX_BLOK);
   };
-  const KopieBron bronnen[] = {{d.plat, &uit->bestand}, {d.data, &uit->tabel}};
-  KopieStand stand = kopieer_onder_slot(bronnen, slot, wacht);
+  const KopieBron bronnen[] = {
+      {d.plat, &uit->bestand}, {d.data, &uit->tabel}, {d.kop, &uit->index}};
+  slot.binnen = [&] {
+    if (met_index) kopie_rij_heel(d.kop, &uit->index);
+  };
+  const size_t aantal = std::size(bronnen) - (met_index ? 0 : 1);
+  KopieStand stand = kopieer_onder_slot(std::span(bronnen, aantal), slot, wacht);
   if (stand.vastgehouden) v->noot({}, "het slot is vastgehouden tot de kopie klaar was");
   if (stand.uit == KopieUit::goed) return true;
   stand.bestand = p.bestand;
   v->fout({}, kopie_tekst(stand) + ", niet gekeurd");
   return false;
 }
+
+namespace {
 
 template <class T>
 T record(const std::vector<uint8_t>& bytes, int64_t nr) {
@@ -194,9 +189,9 @@ void keten_etiketten(const PlatKopie& k, Ketens& ketens, int64_t eigenaar, const
   }
 }
 
-void keur_etiketten_een(int wacht, Verslag* v) {
-  PlatKopie k;
-  if (!kopieer(ETIKETTEN, wacht, &k, v)) return;
+}  // namespace
+
+void keur_etiketten(const PlatKopie& k, Verslag* v) {
   if (k.bestand.size() % sizeof(EtiBlok) != 0)
     v->fout({}, fmt::format("{} bytes, geen veelvoud van {}", k.bestand.size(), sizeof(EtiBlok)));
   SysRec4 rec;
@@ -223,6 +218,8 @@ void keur_etiketten_een(int wacht, Verslag* v) {
   v->stand = fmt::format("{} blokken, {} vrij", ketens.van.size(), vrij);
 }
 
+namespace {
+
 // Price groups ------------------------------------------------------------------------------------
 
 void keten_groepen(const PlatKopie& k, Ketens& ketens, int64_t eigenaar, const DtIpa& set) {
@@ -243,9 +240,9 @@ void keten_groepen(const PlatKopie& k, Ketens& ketens, int64_t eigenaar, const D
   }
 }
 
-void keur_prijsgroepen_een(int wacht, Verslag* v) {
-  PlatKopie k;
-  if (!kopieer(PRIJSGROEPEN, wacht, &k, v)) return;
+}  // namespace
+
+void keur_prijsgroepen(const PlatKopie& k, Verslag* v) {
   if (k.bestand.size() % sizeof(DtIpg) != 0)
     v->fout({}, fmt::format("{} bytes, geen veelvoud van {}", k.bestand.size(), sizeof(DtIpg)));
   SysRec9 rec;
@@ -260,10 +257,19 @@ void keur_prijsgroepen_een(int wacht, Verslag* v) {
   v->stand = fmt::format("{} groepen, {} vrij", ketens.van.size(), vrij);
 }
 
-void met_hertoets(int wacht, Verslag* v, void (*keur)(int, Verslag*)) {
+namespace {
+
+void keur_een(const PlatBestand& p, int wacht, void (*keur)(const PlatKopie&, Verslag*),
+              Verslag* v) {
+  PlatKopie k;
+  if (plat_kopieer(p, wacht, false, &k, v)) keur(k, v);
+}
+
+void met_hertoets(const PlatBestand& p, int wacht, Verslag* v,
+                  void (*keur)(const PlatKopie&, Verslag*)) {
   Verslag eerst;
   eerst.tabel = v->tabel;
-  keur(wacht, &eerst);
+  keur_een(p, wacht, keur, &eerst);
   if (eerst.in_orde()) {
     *v = std::move(eerst);
     return;
@@ -274,7 +280,7 @@ void met_hertoets(int wacht, Verslag* v, void (*keur)(int, Verslag*)) {
   for (const Bevinding& b : eerst.rijen) gezien.insert(verslag_regel(eerst, b));
   Verslag weer;
   weer.tabel = v->tabel;
-  keur(wacht, &weer);
+  keur_een(p, wacht, keur, &weer);
   size_t weg = 0;
   for (const Bevinding& b : weer.rijen) {
     const bool blijft = gezien.contains(verslag_regel(weer, b));
@@ -289,5 +295,9 @@ void met_hertoets(int wacht, Verslag* v, void (*keur)(int, Verslag*)) {
 
 }  // namespace
 
-void keur_etiketten(int wacht, Verslag* v) { met_hertoets(wacht, v, keur_etiketten_een); }
-void keur_prijsgroepen(int wacht, Verslag* v) { met_hertoets(wacht, v, keur_prijsgroepen_een); }
+void keur_etiketten(int wacht, Verslag* v) {
+  met_hertoets(PLAT_ETIKETTEN, wacht, v, keur_etiketten);
+}
+void keur_prijsgroepen(int wacht, Verslag* v) {
+  met_hertoets(PLAT_PRIJSGROEPEN, wacht, v, keur_prijsgroepen);
+}

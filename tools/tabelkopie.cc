@@ -103,8 +103,9 @@ bool open(const std::string& pad, int* fd, KopieStand* stand) {
   return false;
 }
 
-/// The queue changes under a lock of its own: its block is read until two reads agree.
-void lees_rij_heel(int fd, std::vector<uint8_t>* index) {
+}  // namespace
+
+void kopie_rij_heel(int fd, std::vector<uint8_t>* index) {
   constexpr size_t AANTAL = offsetof(ICB, key_count);
   if (index->size() <= AANTAL || (*index)[AANTAL] < 1 || (*index)[AANTAL] > IX_SLEUTELS) return;
   const size_t plaats = (size_t{(*index)[AANTAL]} + 1) * IX_BLOK;
@@ -113,8 +114,6 @@ void lees_rij_heel(int fd, std::vector<uint8_t>* index) {
   if (io_lees_heel(fd, blok, IX_BLOK, static_cast<int64_t>(plaats), nullptr) == IX_BLOK)
     memcpy(index->data() + plaats, blok, IX_BLOK);
 }
-
-}  // namespace
 
 void op_lage_voorrang(const std::function<void()>& werk) {
   // Priority belongs to a thread here, and who gave it away cannot take it back.
@@ -202,7 +201,7 @@ KopieStand tabel_kopieer(const std::string& naam, int wacht, TabelKopie* uit) {
     const pid_t p = slot_houder(b.index, 0, IX_BLOK);
     return p != 0 || b.kop < 0 ? p : slot_houder(b.kop, 0, IX_BLOK);
   };
-  slot.binnen = [&] { lees_rij_heel(b.index, &uit->index); };
+  slot.binnen = [&] { kopie_rij_heel(b.index, &uit->index); };
   const KopieBron bronnen[] = {{b.index, &uit->index}, {b.data, &uit->data}};
   stand = kopieer_onder_slot(bronnen, slot, wacht);
   if (stand.bestand.empty()) stand.bestand = paden.index;

@@ -43,6 +43,9 @@ struct KopieSlot {
   std::function<pid_t()> houder;
   std::function<void()> binnen;  // called once, at the end, while the lock is held; may be empty
 };
+/// The lock queue of an index changes under a lock of its own: into the copy comes a block that two
+/// reads agree on.
+void kopie_rij_heel(int fd, std::vector<uint8_t>* index);
 KopieStand kopieer_onder_slot(std::span<const KopieBron>, const KopieSlot&, int wacht);
 
 /// Runs a piece of work at the lowest priority. Never anything that holds a lock: on a busy machine
