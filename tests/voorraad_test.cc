@@ -160,6 +160,9 @@ const std::vector<Commando> COMMANDOS = {{"11", "S10", {toets::Esc, toets::Esc, 
                                          {"27", "S9", {toets::Esc}},
                                          {"31", "S10", {toets::Esc, toets::Esc}},
                                          {"33", "S10", {toets::Esc}},
+                                         {"41", "S11 S12", {toets::Esc}},
+                                         {"51", "S12 S13", {toets::Esc}},
+                                         {"52", "S11 S13", {toets::Esc}},
                                          {"32", "X9 X10", {}},  // would change orders
                                          {"34", "X9 X10 S11 S12", {}}};
 
@@ -217,7 +220,8 @@ struct Buurman {
 
 TEST(VoorraadClaims, EachCommandAgainstWhatAnotherHolds) {
   const DemoKeten keten;
-  for (const char* bezet : {"", "S10", "S9 X10", "S9 S10 S11", "S9", "X9 X10", "X9 X10 S11 S12"}) {
+  for (const char* bezet :
+       {"", "S10", "S9 X10", "S9 S10 S11", "S9", "X9 X10", "X9 X10 S11 S12", "S13 X11 X12"}) {
     Buurman buurman(keten.map.pad);
     ASSERT_EQ(buurman.agent.ask(bezet), "ja");
     Terminal t = keten.voorraad();
