@@ -176,6 +176,7 @@ bool autoinst(int argc, char** argv, int install_number, const char* title, char
   opstart_catalogi();
   opstart_terminal();
   SCRINIT();
+  macro_stop();  // started by hand: no replay of a chain goes on here
   installeer(naam_van(install_number), title, type_letter);
   scr_close();
   return true;

@@ -127,6 +127,6 @@ bool user_pick(int32_t* number, int flags) {
 }
 
 void gebruikers_lijst() {
-  int32_t nummer = session_terminal;
+  int32_t nummer = 0;
   while (user_pick(&nummer, GEBRUIKERS_LANG)) continue;
 }

@@ -1,0 +1,314 @@
+// Removing what the order cycle leaves behind, and its two settings: on the screen, and in the
+// files afterwards.
+#include "main/bewaren.h"
+
+#include "main/batchvw.h"
+#include "main/controle.h"
+#include "sub/sel_krit.h"
+#include "sub/tabellen.h"
+#include "tests/support/adv_keten.h"
+#include "tests/support/agent.h"
+
+namespace {
+
+using namespace toets;
+constexpr uint32_t EEN = 20000011, TWEE = 20000028, DRIE = 20000035;
+
+struct Bewaren : AdvKeten {
+  static void opdracht(uint32_t nummer, int van, int naar, const Serienr& nr, const char* datum) {
+    DtPick rec{};
+    rec.vanfil = static_cast<uint8_t>(van);
+    rec.naarfil = static_cast<uint8_t>(naar);
+    rec.nr = nr;
+    rec.opdrachtnr = nummer;
+    rec.orderdatum = date_number(datum);
+    rec.aantal[1] = 1;
+    ProefKeten::voeg(dtpick, rec);
+  }
+  /// Terminal 5, which holds its byte of a work function, or all of it.
+  static std::string houd(const std::string& vraag) {
+    ProefSysteem::open();
+    session_terminal = 5;
+    const int functie = std::stoi(vraag.substr(1));
+    const bool goed = vraag[0] == 'X' ? vw_claim_excl(functie) : vw_claim(functie, true);
+    return goed ? "ja" : "nee";
+  }
+  SysRec20 rec20() {
+    SysRec20 rec;
+    memcpy(&rec, ProefKeten::sysrec(20).data(), sizeof rec);
+    return rec;
+  }
+};
+
+/// Behind a fresh start of the selection, as a program has it.
+void wis_voorlopig() {
+  sel_start(13);
+  voorl_wissen();
+}
+
+// Provisional lines -------------------------------------------------------------------------------
+
+struct Voorlopig : Bewaren {
+  void SetUp() override {
+    Bewaren::SetUp();
+    met_keten([] {
+      DtMerk merk{};
+      merk.nummer = 6;
+      ProefKeten::voeg(dtmerk, merk);
+      DtSer rec{};
+      rec.nr = WEG;
+      rec.merk = 6;
+      rec.maatsoort = 1;
+      rec.blok1 = -1;
+      ProefKeten::voeg(dtser, rec);
+      for (const Serienr& nr : {ROK, JAS, WEG})
+        for (const auto& [van, naar] : {std::pair{0, 1}, {0, 2}, {0, 3}, {2, 1}, {2, 3}})
+          regel(van, naar, nr, 1);
+      opdracht(EEN, 0, 1, ROK, "01022026");
+      opdracht(TWEE, 0, 3, ROK, "01022026");
+    });
+  }
+};
+
+TEST_F(Voorlopig, OfTheBranchesAndSeriesAskedForOnly) {
+  Terminal t = draai(wis_voorlopig);
+  t.type("1", "1", in("5"), Esc);  // one brand
+  EXPECT_ROWS(t, 1, R"(
+ Verwijderen voorlopige opdracht
+
+Verzendfiliaal    : ___________________________________________________________)");
+  EXPECT_SHOWS(t, "Ingave filialen, gescheiden door komma's");
+  t.type(in("0"));
+  EXPECT_EQ(t.row(3), "Verzendfiliaal    : 0");
+  t.type(in("1,3"));  // past the receiver in between
+  EXPECT_EQ(t.row(4), "Bestemmingsfiliaal: 1,3");
+  EXPECT_SHOWS(t, "Akkoord? (J/N)");
+  t.type(in("j"));
+  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_EQ(regels(),
+            "0>1 10100.10.1 nr 20000011 1x1\n"
+            "0>2 10100.10.1 1x1\n"
+            "0>3 10100.10.1 nr 20000028 1x1\n"
+            "0>2 10100.20.2 1x1\n"
+            "0>1 10100.30.3 1x1\n"
+            "0>2 10100.30.3 1x1\n"
+            "0>3 10100.30.3 1x1\n"
+            "2>1 10100.10.1 1x1\n"
+            "2>3 10100.10.1 1x1\n"
+            "2>1 10100.20.2 1x1\n"
+            "2>3 10100.20.2 1x1\n"
+            "2>1 10100.30.3 1x1\n"
+            "2>3 10100.30.3 1x1\n");
+}
+
+TEST_F(Voorlopig, EnterIsAllAndTheOrdersStay) {
+  const std::string was = regels();
+  for (const bool ja : {false, true}) {
+    Terminal t = draai(wis_voorlopig);
+    t.type(Esc, Enter, Enter);
+    EXPECT_EQ(t.row(3), "Verzendfiliaal    : alle");
+    EXPECT_EQ(t.row(4), "Bestemmingsfiliaal: alle");
+    t.type(in(ja ? "j" : "n"));
+    EXPECT_SHOWS(t, "KLAAR");
+    EXPECT_EQ(regels(), ja ? "0>1 10100.10.1 nr 20000011 1x1\n"
+                             "0>3 10100.10.1 nr 20000028 1x1\n"
+                           : was);
+  }
+}
+
+TEST_F(Voorlopig, LeftOrRefusedNothingGoes) {
+  const std::string was = regels();
+  EXPECT_SHOWS(draai(wis_voorlopig).type(Esc, in("0"), Esc), "KLAAR");
+  Agent ander(houd);
+  ASSERT_EQ(ander.ask("S10"), "ja");
+  for (void (*doe)() : {wis_voorlopig, verzamel_wissen}) {
+    Terminal t = draai(doe);
+    EXPECT_TRUE(t.wait_for("Er zijn gebruikers actief die verwerking blokkeren!"));
+    t.type_now(in("n"));
+    EXPECT_SHOWS(t, "KLAAR");
+  }
+  ander.kill_now();
+  EXPECT_EQ(regels(), was);
+}
+
+// Orders ------------------------------------------------------------------------------------------
+
+struct Orders : Bewaren {
+  void SetUp() override {
+    Bewaren::SetUp();
+    met_keten([] {
+      opdracht(EEN, 0, 1, ROK, "01022026");
+      regel(0, 1, ROK, 1);
+      opdracht(TWEE, 2, 1, ROK, "05022026");
+      opdracht(DRIE, 0, 3, ROK, "09022026");
+      opdracht(EEN, 0, 1, JAS, "01022026");
+      opdracht(DRIE, 0, 3, JAS, "09022026");
+      opdracht(TWEE, 2, 1, JAS, "05022026");
+    });
+  }
+};
+
+TEST_F(Orders, EveryLineOfThoseKeptInTheListGoes) {
+  Terminal t = draai(verzamel_wissen);
+  EXPECT_SHOWS(t, "Verwijderen bestaande verzamelopdracht", "<ENTER> voor alle");
+  t.type(Enter, Enter);
+  EXPECT_EQ(t.row(3), "Verzendfiliaal    : alle");
+  EXPECT_EQ(t.row(4), "Printdatum vanaf  : eerste");
+  EXPECT_EQ(t.text(5, 1, 26), std::string("Printdatum t/m    : ") + date_plain(date_today()));
+  t.type(Back, Enter);
+  EXPECT_EQ(t.text(5, 1, 27), "Printdatum t/m    : laatste");
+  EXPECT_SHOWS(t, "20000011", "20000028", "20000035");
+  t.type(F7, Down, F7, F3);  // the first and the last
+  EXPECT_SHOWS(t, "<ENTER> voor alle");
+  EXPECT_EQ(regels(),
+            "0>1 10100.10.1 1x1\n"
+            "2>1 10100.10.1 nr 20000028 1x1\n"
+            "2>1 10100.20.2 nr 20000028 1x1\n");
+  EXPECT_SHOWS(t.type(Esc), "KLAAR");
+}
+
+TEST_F(Orders, WithinTheBranchAndTheDates) {
+  Terminal t = draai(verzamel_wissen);
+  t.type(in("2"));
+  EXPECT_EQ(t.row(3), "Verzendfiliaal    : 2");
+  t.type(in("050226"), in("050226"));
+  EXPECT_SHOWS(t, "20000028");
+  EXPECT_FALSE(t.shows("20000011") || t.shows("20000035"));
+  t.type(Esc);
+  EXPECT_EQ(t.text(3, 21, 2), "2 ");  // the values of before
+  t.type(Enter, Enter, in("040226"));
+  EXPECT_SHOWS(t, "Geen informatie");
+  EXPECT_SHOWS(t.type(Enter, Esc), "KLAAR");
+}
+
+// Replenishment information -----------------------------------------------------------------------
+
+struct Aanvul : Bewaren {
+  uint32_t vandaag = 0, oud = 0, grens = 0, terug = 0;
+
+  void SetUp() override {
+    Bewaren::SetUp();
+    met_keten([this] {
+      vandaag = verkoop(date_today());
+      grens = verkoop(static_cast<uint16_t>(date_today() - 21));
+      oud = verkoop(static_cast<uint16_t>(date_today() - 300));
+      terug = verkoop(0);
+      ProefKeten::voeg(dtaanv, DtAanv{ROK, 99999});  // no such label
+    });
+  }
+  static uint32_t verkoop(uint16_t datum) {
+    int32_t nummer = verkocht(ROK, 1, 1);
+    Etiket e{};
+    ioeti('R', &nummer, &e);
+    e.vrkdat = datum;
+    e.status = datum == 0 ? static_cast<uint8_t>(ETI_VOORRAAD) : e.status;
+    ioeti('W', &nummer, &e);
+    return static_cast<uint32_t>(nummer);
+  }
+  std::vector<uint32_t> over() {
+    std::vector<uint32_t> uit;
+    met_keten([&uit] {
+      DtAanv rec{};
+      for (bool er = IXFIRSTR(dtaanv, &rec); er; er = IXNEXT(dtaanv, &rec))
+        uit.push_back(rec.etiket);
+    });
+    return uit;
+  }
+  void dagen(uint8_t n) {
+    SysRec20 rec = rec20();
+    rec.dagen_bewaard = n;
+    ProefKeten::sysrec_zet(20, &rec, sizeof rec);
+  }
+};
+
+TEST_F(Aanvul, UpToTheLimitAndOfLabelsThatAreGone) {
+  Terminal t = draai(aanvulinfo_wissen);
+  EXPECT_SHOWS(t, "Verwijderen aanvulinformatie van verkopen met verkoopdatum t/m " +
+                      std::string(date_plain(static_cast<uint16_t>(date_today() - 21))));
+  EXPECT_SHOWS(t.type(in("j")), "KLAAR");
+  EXPECT_EQ(over(), std::vector{vandaag});
+}
+
+TEST_F(Aanvul, AnotherDate) {
+  Terminal t = draai(aanvulinfo_wissen);
+  t.type(in("n"), in(date_plain(static_cast<uint16_t>(date_today() - 22))), in("j"));
+  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_EQ(over(), (std::vector{vandaag, grens}));
+  Terminal leeg = draai(aanvulinfo_wissen);
+  leeg.type(in("n"), Back, Enter);  // today
+  EXPECT_SHOWS(leeg, "t/m " + std::string(date_plain(date_today())));
+  EXPECT_SHOWS(leeg.type(in("j")), "KLAAR");
+  EXPECT_TRUE(over().empty());
+}
+
+TEST_F(Aanvul, ZeroDaysIsUpToToday) {
+  dagen(0);
+  Terminal t = draai(aanvulinfo_wissen);
+  EXPECT_SHOWS(t, "t/m " + std::string(date_plain(date_today())));
+  EXPECT_SHOWS(t.type(Esc), "KLAAR");
+  EXPECT_EQ(over().size(), 5u);
+  EXPECT_SHOWS(draai(aanvulinfo_wissen).type(in("j")), "KLAAR");
+  EXPECT_TRUE(over().empty());
+}
+
+TEST_F(Aanvul, RefusedWhileAdviceIsAtWork) {
+  Agent ander(houd);
+  ASSERT_EQ(ander.ask("S9"), "ja");
+  Terminal t = draai(aanvulinfo_wissen);
+  EXPECT_TRUE(t.wait_for("Er zijn gebruikers actief die verwerking blokkeren!"));
+  ander.kill_now();  // and goes on when that ends
+  EXPECT_TRUE(t.wait_for("verkoopdatum t/m"));
+  EXPECT_SHOWS(t.type(Esc), "KLAAR");
+  Agent geheel(houd);
+  ASSERT_EQ(geheel.ask("X9"), "ja");
+  Terminal bezet = draai(aanvulinfo_wissen);
+  EXPECT_TRUE(bezet.wait_for("Verwerking is reeds gestart"));
+  bezet.type_now(in("n"));
+  EXPECT_SHOWS(bezet, "KLAAR");
+  EXPECT_EQ(over().size(), 5u);
+}
+
+// Settings ----------------------------------------------------------------------------------------
+
+TEST_F(Bewaren, DaysKeptAreWrittenAndNothingElse) {
+  Terminal t = draai(aanvulinfo_bewaren);
+  EXPECT_SHOWS(t, "Bewaren aanvulinformatie", "Aanvulinformatie van verkopen 21 dagen bewaren");
+  SysRec20 rec = rec20();
+  rec.verkoopdagen = 99;  // another program's
+  ProefKeten::sysrec_zet(20, &rec, sizeof rec);
+  t.type(in("30"), in("n")).ready();
+  EXPECT_EQ(rec20().dagen_bewaard, 21);
+  t.type(in("0"), in("j"));
+  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_EQ(rec20().dagen_bewaard, 0);
+  EXPECT_EQ(rec20().verkoopdagen, 99);
+  EXPECT_EQ(rec20().transit, 1);
+}
+
+TEST_F(Bewaren, LeftTheOldValuesStand) {
+  const auto na = [] {
+    return str_format("%d %d", sys_rec20.dagen_bewaard, sys_rec20.controle_keuze);
+  };
+  Terminal t = draai(aanvulinfo_bewaren, na);
+  t.type(in("45"), Esc);
+  EXPECT_TRUE(t.wait_for("van verkopen 21 dagen"));
+  EXPECT_SHOWS(t, "KLAAR 21 0");
+  Terminal c = draai(controle_instellen, na);
+  c.type("j", Esc);
+  EXPECT_TRUE(c.wait_for("verzamelopdrachten N"));
+  EXPECT_SHOWS(c, "KLAAR 21 0");
+  EXPECT_EQ(rec20().dagen_bewaard, 21);
+  EXPECT_EQ(rec20().controle_keuze, 0);
+}
+
+TEST_F(Bewaren, TheChoiceToCheckOrders) {
+  Terminal t = draai(controle_instellen);
+  EXPECT_SHOWS(t, "Instellen contr. verzamelopdrachten", "Keuze controleren verzamelopdrachten");
+  EXPECT_SHOWS(t.type(in("j")), "KLAAR");
+  EXPECT_EQ(rec20().controle_keuze, 1);
+  EXPECT_SHOWS(draai(controle_instellen).type(in("n")), "KLAAR");
+  EXPECT_EQ(rec20().controle_keuze, 0);
+  EXPECT_EQ(rec20().dagen_bewaard, 21);
+}
+
+}  // namespace
