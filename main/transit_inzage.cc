@@ -142,6 +142,7 @@ void toon(Inzage& inzage) {
   BrwRec* b = brw_new(stap, zoek, kop, regel);
   if (b == nullptr) return;
   b->data = &inzage;
+  b->row = RIJ_VOLGORDE + 2;
   const std::string titel = str_format(txt(T_TRANSIT_TITEL_OPDRACHT), inzage.opdracht.nummer);
   lijst_kies(b, titel.c_str(), T_MAG_GEEN_INFO);
 }

@@ -7,6 +7,7 @@
 
 #include "isam/base.h"
 #include "isam/ix.h"
+#include "main/controle.h"
 #include "main/teksten.h"
 #include "main/transit_in.h"
 #include "scr/scr.h"
@@ -108,7 +109,7 @@ void transit_kop(int rij, int kolom, bool status) {
 const char* transit_regel(const Zoekregel& r, bool status) {
   const std::string stuk = r.per_maat != 0 && r.ean[0] != 0 ? veld_tekst(r.ean, sizeof r.ean)
                                                             : str_format("%lu", r.etiket);
-  const bool alle = r.naarfil + size_t{1} >= werk8.size();
+  const bool alle = r.naarfil >= filialen();
   const std::string naar = alle ? "" : str_format("%2hu", r.naarfil);
   const std::string opdracht = r.opdrachtnr == 0 ? "" : str_format("%8lu", r.opdrachtnr);
   str_printf(scr_klad, sizeof scr_klad, "%-15.15s%-13.13s %3.3s %2hu %2.2s %8.8s %s%s",
