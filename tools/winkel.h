@@ -41,6 +41,10 @@ void verb_export(CLI::App&);
 void verb_import(CLI::App&);
 void verb_backup(CLI::App&);
 
+/// Checks the stock tables against each other and prints what it found; true when they are sound.
+/// System records 1 and 20 stand in sys_rec1 and sys_rec20, DTSYS.TXT is closed.
+bool status_controle();
+
 /// Bytes of a file, made with 0660. A fault when it cannot be written whole.
 void schrijf_bestand(const char* naam, const void* bytes, size_t n);
 /// The tables of tabel_alle(), the flat files and the print tables, all empty but for the screen.

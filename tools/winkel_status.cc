@@ -7,6 +7,7 @@
 #include "isam/ix.h"
 #include "main/iotab.h"
 #include "sub/tabeldef.h"
+#include "sub/tabellen.h"
 #include "tools/winkel.h"
 
 namespace {
@@ -48,6 +49,8 @@ void claims() {
 void systeem() {
   int32_t n = 1;
   iotab('R', &n, &sys_rec1, SYS_RECORDS);
+  n = 20;
+  iotab('R', &n, &sys_rec20, SYS_RECORDS);
   n = 10;
   iotab('R', &n, &sys_rec10, SYS_RECORDS);
   fmt::print("{}, {} filialen, release {}\n",
@@ -80,9 +83,12 @@ void tabellen() {
 
 void verb_status(CLI::App& app) {
   static std::string map = ".";
+  static bool controle = false;
   CLI::App* verb =
       app.add_subcommand("status", "wie werkt, wat is bezet, hoe groot zijn de tabellen");
   optie_map(verb, &map);
+  verb->add_flag("--controle", controle,
+                 "en wat tellers, etiketten en bewegingen van elkaar zeggen");
   verb->callback([] {
     in_keten(map);
     int32_t n = 1;
@@ -92,5 +98,6 @@ void verb_status(CLI::App& app) {
     claims();
     tabellen();
     iotab('C', &n, nullptr, SYS_RECORDS);
+    if (controle && !status_controle()) std::exit(UIT_FOUT);
   });
 }
