@@ -75,10 +75,10 @@ constexpr Rij MENU[] = {
     keuze(T_MENU_BEVESTIGING, ing_ontvangst),
 
     rubriek(2, T_MENU_DATACOM),
-    keuze(T_MENU_DC_SIGNAAL, nullptr, DATACOM),
-    keuze(T_MENU_DC_VERWERKEN, nullptr, DATACOM),
+    keuze(T_MENU_DC_SIGNAAL, dc_signaal, DATACOM),
+    keuze(T_MENU_DC_VERWERKEN, dc_verwerken, DATACOM),
     keuze(T_MENU_DC_WIJZIGEN, dc_wijzigen, DATACOM),
-    keuze(T_MENU_DC_WISSEN, nullptr, DATACOM, Recht::beheer),
+    keuze(T_MENU_DC_WISSEN, dc_wissen, DATACOM, Recht::beheer),
 
     rubriek(2, T_MENU_INSTELLEN),
     keuze(T_MENU_WIS_VOORLOPIG, voorl_wissen, VOORLOPIG),
