@@ -209,7 +209,7 @@ void ctl_start(const char* naam, const char* bouwdatum, int argc, char** argv) {
   ix_hooks.wacht = ctl_slot_wacht;
   scr_hooks.programma_info = ctl_diag;
   scr_intr_reset();
-  if (starter) macro_stop();  // a replay of the chain goes on; one that its end left behind does not
+  if (starter) macro_stop();  // what the end of a chain left is not typed into the next login
   macro_user(session_terminal);
 }
 
