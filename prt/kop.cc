@@ -9,6 +9,7 @@
 #include "isam/base.h"
 #include "isam/ix.h"
 #include "prt/intern.h"
+#include "prt/tabellen.h"
 #include "prt/teksten.h"
 #include "scr/scr.h"
 
@@ -66,6 +67,11 @@ void prt_blad_sluit() {
   if (prt_rec.spool == nullptr) return;
   std::fputc('\f', prt_rec.spool);
   std::fflush(prt_rec.spool);
+}
+
+bool print_vol(int regels) {
+  const int blad = prt_rec.page_lines > 0 ? prt_rec.page_lines : PTR_EINDELOOS;
+  return prt_rec.line_no > blad - regels + 1;
 }
 
 void print_head_tekst(const char* links, const char* titel) {

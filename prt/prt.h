@@ -48,6 +48,8 @@ void print_f(const char* fmt, A... a) {
 }
 /// Ends the line in hand: one line in the file, or two where a number stepped down.
 void print_nl();
+/// Fewer than `regels` lines remain on the page. Never on endless paper.
+bool print_vol(int regels = 1);
 /// Starts a page. print_head does so itself: a report calls print_head only.
 void print_ff();
 void print_head_tekst(const char* links, const char* titel);

@@ -36,6 +36,24 @@ bool etiket_uitpak(const uint32_t woord[9], Etiket*, bool transit);
 /// 'W' write (number 0: first free slot of the chain, or a new block; the number comes back),
 /// 'D' delete the current one, 'I' add a block. Label numbers from 1: block * 10 + slot + 1.
 bool ioeti(char actie, int32_t* nummer, Etiket*);
+/// The labels of one series, first to last: `while (reeks.volgende())` with the number and the
+/// label beside it. Ends, with `geheel` false, where the chain leads into another series or back
+/// into itself. Between two steps the store may be written at this label only.
+struct EtiReeks {
+  explicit EtiReeks(const DtSer& serie) : nummer(serie.blok1), nr(serie.nr) {}
+  bool volgende();
+  int32_t nummer;
+  Etiket etiket{};
+  bool geheel = true;
+
+ private:
+  bool terug();
+  Serienr nr;
+  bool begonnen = false;
+  // A block to meet again: the label would never be the last one.
+  int32_t blok = -1, vorige = 0, merk = -1;
+  int64_t stap = 0, tot = 1;
+};
 bool eti_filter(char actie, int32_t* nummer, Etiket*, uint8_t status);
 /// From now on each block read must belong to this series; null turns the check off.
 void eti_eigenaar(const Serienr*);

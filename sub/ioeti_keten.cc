@@ -84,6 +84,29 @@ void geef_blok(int32_t blok, SysRec4* rec) {
 
 }  // namespace
 
+/// The label in hand was met before. The mark is set at ever longer distances.
+bool EtiReeks::terug() {
+  const int32_t toen = vorige, daar = blok;
+  vorige = nummer;
+  blok = eti_blok(nummer);
+  if (blok == daar) return nummer <= toen;
+  if (blok == merk) return true;
+  if (++stap < tot) return false;
+  merk = blok;
+  stap = 0;
+  tot *= 2;
+  return false;
+}
+
+bool EtiReeks::volgende() {
+  if (!geheel || (!begonnen && nummer < 0)) return false;
+  const char actie = begonnen ? 'N' : 'F';
+  begonnen = true;
+  const bool er = ioeti(actie, &nummer, &etiket);
+  geheel = eti.buffer.nr == nr && !(er && terug());  // blocks without labels go by unseen
+  return er && geheel;
+}
+
 void eti_blok_erbij(const Serienr& nr, uint8_t maatsoort) {
   Control control;
   const bool aansluiten = eti.blok >= 0 && van_reeks(eti.blok, nr);

@@ -189,6 +189,32 @@ MaatHandle* mtkeep(MaatHandle** slot, uint8_t land, uint8_t maatsoort, const uin
   return *slot;
 }
 
+MaatHandle* mtserie(MaatHandle** slot, const DtSer& serie) {
+  if (maat_land() != 0 && serie.maatsoort != 0)
+    return mtkeep(slot, maat_land(), serie.maatsoort, serie.maten);
+  mtlos(slot);
+  return nullptr;
+}
+
+void mtlos(MaatHandle** slot) {
+  if (*slot != nullptr) mtclose(*slot);
+  *slot = nullptr;
+}
+
+std::vector<MaatRec> mtlijst(MaatHandle* h) {
+  std::vector<MaatRec> uit;
+  MaatRec rec{};
+  for (bool er = h != nullptr && mtread(h, 'F', &rec, 4); er; er = mtread(h, 'N', &rec, 4))
+    uit.push_back(rec);
+  return uit;
+}
+
+bool mtzoek(MaatHandle* h, uint8_t maat, MaatRec* rec) {
+  *rec = {};
+  rec->maat = maat;
+  return h != nullptr && mtread(h, 'R', rec, 1);
+}
+
 bool mtread(MaatHandle* h, char actie, MaatRec* rec, int sleutel) {
   if (h == nullptr) ctl_fault(MODULE, MAAT_GEEN_HANDLE);
   if (std::strchr("FNPR", actie) == nullptr || actie == 0) {

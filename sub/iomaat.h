@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "sub/records.h"
 
@@ -22,6 +23,15 @@ void mtclose(MaatHandle*);
 void mtbits(MaatHandle*, const uint8_t bits[12]);
 /// Keeps a handle in the caller's slot over series of one size type; null bits leave its map alone.
 MaatHandle* mtkeep(MaatHandle** slot, uint8_t land, uint8_t maatsoort, const uint8_t bits[12]);
+/// The same for the sizes of a series, limited to its map. Null, and the slot empty, when the
+/// series or the system names no size type.
+MaatHandle* mtserie(MaatHandle** slot, const DtSer&);
+/// Closes what a slot keeps, if anything.
+void mtlos(MaatHandle** slot);
+/// The sizes of a handle's map in the order of the size bar; none for null.
+std::vector<MaatRec> mtlijst(MaatHandle*);
+/// One size by its index; false, and only the index set, for null and for a size that is not there.
+bool mtzoek(MaatHandle*, uint8_t maat, MaatRec*);
 /// 'F', 'N', 'P', 'R' by key 1 index, 2 position, 3 text, 4 rank in the bit map. False: untouched.
 bool mtread(MaatHandle*, char actie, MaatRec*, int sleutel);
 bool mtwijzig(MaatHandle*, const MaatRec*);
