@@ -12,6 +12,7 @@
 #include "main/teksten.h"
 #include "scr/scr.h"
 #include "sub/ioeti.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/teksten_sel.h"
 
@@ -56,13 +57,7 @@ void wis_tot(uint16_t grens) {
   while (IXSEQ(dtaanv, &aanv_rec)) {
     const int32_t plaats = dtaanv->record_no;  // the scan goes by it
     ix_hooks.voortgang(txt(T_WIS_AANVUL), plaats, geheel);
-    if (verouderd(aanv_rec, grens)) {
-      if (IXREADL(dtaanv, &aanv_rec)) {
-        IXDELETE(dtaanv, &aanv_rec);
-      } else {
-        IXRELEASE(dtaanv, &aanv_rec);
-      }
-    }
+    if (verouderd(aanv_rec, grens)) verwijder(dtaanv, aanv_rec);
     dtaanv->record_no = plaats;
   }
   ix_hooks.voortgang(nullptr, 0, 0);

@@ -14,7 +14,9 @@
 #include "sub/opdr_kies.h"
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
+#include "sub/voortgang.h"
 
 namespace {
 
@@ -22,15 +24,6 @@ constexpr int FUNCTIE = 10;  // work function of order lines
 constexpr int SLOT = 3;      // the criteria set of this command
 constexpr int KEY_SERIE = 2, SERIEVELDEN = 3;
 constexpr int RIJ = 3, KOL = 21;
-
-/// Removes the record in the buffer unless it went meanwhile.
-void verwijder(ICB* tabel, void* rec) {
-  if (IXREADL(tabel, rec)) {
-    IXDELETE(tabel, rec);
-  } else {
-    IXRELEASE(tabel, rec);
-  }
-}
 
 /// A branch list where nothing entered means all. False when the operator left.
 bool vraag_filialen(int rij, const Tekst& label, uint8_t* map) {
@@ -62,32 +55,30 @@ bool vraag_voorlopig() {
 }
 
 /// One series' lines; the first stands in pick_rec.
-void wis_groep(int kolom) {
+void wis_groep(const SerieVoortgang& voortgang) {
   ser_rec.nr = pick_rec.nr;
   if (!IXREAD(dtser_opzoek, &ser_rec)) {
     pick_rec.vanfil = pick_rec.naarfil = UINT8_MAX;  // past the lines of this series
     pick_rec.opdrachtnr = UINT32_MAX;
     return;
   }
-  scr_print(A_WAARDE, scr_ctx->lines, kolom, "%s", serie_sleutel(pick_rec.nr));
+  voortgang.toon(pick_rec.nr);
   do {
     // Only the sending branch is skipped: behind a receiver that is off others may be wanted.
     if (!pg_test(adv_rec.vanuit_filialen, pick_rec.vanfil)) {
       pick_rec.naarfil = FILIAAL_SPRONG;
     } else if (pick_rec.opdrachtnr == 0 && pg_test(adv_rec.aanvul_filialen, pick_rec.naarfil)) {
-      verwijder(dtpick, &pick_rec);
+      verwijder(dtpick, pick_rec);
     }
     if (scr_interrupted()) return;
   } while (IXNEXT(dtpick, &pick_rec, SERIEVELDEN));
 }
 
 void wis_regels() {
-  const int kolom = scr_print(A_LABEL, scr_ctx->lines, 1, "%s", txt(T_SERIENUMMER)) + 2;
-  const int sleutel = dtpick->block.key_number;
-  IXSWITCH(dtpick, KEY_SERIE);
+  const SerieVoortgang voortgang;
+  const OpSleutel sleutel(dtpick, KEY_SERIE);
   memset(&pick_rec, 0, sizeof pick_rec);
-  while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec)) wis_groep(kolom);
-  IXSWITCH(dtpick, sleutel);
+  while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec)) wis_groep(voortgang);
 }
 
 // Orders ------------------------------------------------------------------------------------------
@@ -139,7 +130,7 @@ void wis_opdracht(uint32_t nummer) {
     if (pick_rec.opdrachtnr != nummer) continue;
     // The scan goes by the handle's record number, which a failed read for update loses.
     const int32_t plaats = dtpick->record_no;
-    verwijder(dtpick, &pick_rec);
+    verwijder(dtpick, pick_rec);
     dtpick->record_no = plaats;
   }
 }

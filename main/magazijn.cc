@@ -14,15 +14,18 @@
 #include "sub/muteren.h"
 #include "sub/pghdl.h"
 #include "sub/serie_vraag.h"
-#include "sub/tabeldef.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
+#include "sub/voortgang.h"
 
 namespace {
 
 constexpr TabelDef TABEL_LOCATIE{
     "locatie", "locatie", sizeof(Locatie), {"key-1,NODUPS,I,1,1,C,2,7,I,9,12,I,13,14,I,15,16"}};
 constexpr uint8_t GEEN_MAGAZIJN = 255;
-constexpr int EINDELOOS = 9999;
+
+/// What is going on, in front of the series.
+std::string bezig(const Tekst& wat) { return str_format("%-9.9s - ", txt(wat)); }
 
 std::string bestand() { return str_format("TP%02ldL", session_terminal); }
 
@@ -30,28 +33,17 @@ bool leeg(const char* veld, size_t n) {
   return veld_tekst(veld, n).find_first_not_of(' ') == std::string::npos;
 }
 
-/// Shows what is going on and with which series.
-void toon(const char* bezig) {
-  if (scr_ctx == nullptr) return;
-  scr_clreol(scr_ctx->lines, 1);
-  scr_print(A_LABEL, scr_ctx->lines, 1, "%-9.9s - %s", bezig, txt(T_SERIENUMMER));
-}
-void toon_serie(const Serienr& nr) {
-  constexpr int KOLOM = 25;
-  if (scr_ctx != nullptr) scr_print(A_WAARDE, scr_ctx->lines, KOLOM, "%s", serie_sleutel(nr));
-}
-
-/// The series' labels in its warehouse, by status; false when there is none.
+/// The series' labels in its warehouse, by status; false when they cannot be read whole.
 bool tel_etiketten(const DtSer& serie, Locatie* rij) {
-  int32_t nummer = serie.blok1;
-  Etiket e{};
-  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
+  EtiReeks reeks(serie);
+  while (reeks.volgende()) {
+    const Etiket& e = reeks.etiket;
     if (e.filiaal != rij->filiaal) continue;
     if (e.status == ETI_NOTA) ++rij->nota;
     if (e.status == ETI_VOORRAAD) ++rij->voorraad;
     if (e.status == ETI_CORRECTIES && e.reden == 0) ++rij->inventaris;
   }
-  return rij->nota + rij->voorraad + rij->inventaris > 0;
+  return reeks.geheel;
 }
 
 /// True when the article group has a warehouse that is wanted.
@@ -65,30 +57,30 @@ bool magazijn_telt(uint32_t artgroep, int filiaal) {
 int locaties_vul(int filiaal) {
   tabel_maak(TABEL_LOCATIE, bestand().c_str());
   ICB* tabel = IXOPEN_LENGTE(bestand().c_str(), IX_EXCLUSIEF, sizeof(Locatie));
-  const int sleutel = dtser->block.key_number;
-  IXSWITCH(dtser, 1);
-  toon(txt(T_MAG_SORTEREN));
+  const OpSleutel sleutel(dtser, 1);
+  SerieVoortgang voortgang(bezig(T_MAG_SORTEREN));
   int aantal = 0;
+  bool door = true;
   DtSer serie{};
-  while (IXNEXT(dtser, &serie)) {
-    if (scr_interrupted()) {
-      aantal = -1;
-      break;
-    }
+  while (IXNEXT(dtser, &serie) && (door = !scr_interrupted())) {
     if (!magazijn_telt(serie.nr.artgroep, filiaal)) {
       serie.nr.kleur = serie.nr.volgnr = UINT16_MAX;  // past the rest of the article group
       continue;
     }
     if (leeg(serie.locatie, sizeof serie.locatie)) continue;
-    toon_serie(serie.nr);
+    voortgang.toon(serie.nr);
     Locatie rij{};
     rij.filiaal = art_rec.magazijn;
     rij.nr = serie.nr;
     memcpy(rij.locatie, serie.locatie, sizeof rij.locatie);
-    if (tel_etiketten(serie, &rij) && IXWRITE(tabel, &rij)) ++aantal;
+    if (!tel_etiketten(serie, &rij))
+      voortgang.onleesbaar(serie.nr);
+    else if (rij.nota + rij.voorraad + rij.inventaris > 0 && IXWRITE(tabel, &rij))
+      ++aantal;
   }
-  IXSWITCH(dtser, sleutel);
   IXCLOSE(tabel);
+  if (!door) return -1;
+  voortgang.einde();
   return aantal;
 }
 
@@ -129,13 +121,12 @@ void druk_rij(const Locatie& rij) {
 
 void locaties_druk() {
   ICB* tabel = IXOPEN_LENGTE(bestand().c_str(), IX_EXCLUSIEF, sizeof(Locatie));
-  const int bladzij = prt_rec.page_lines > 0 ? prt_rec.page_lines : EINDELOOS;
-  toon(txt(T_MAG_AFDRUKKEN));
+  const SerieVoortgang voortgang(bezig(T_MAG_AFDRUKKEN));
   int vorige = -1;
   Locatie rij{};
   while (IXNEXT(tabel, &rij) && !scr_interrupted()) {
-    toon_serie(rij.nr);
-    if (rij.filiaal != vorige || prt_rec.line_no > bladzij) kop(rij.filiaal);
+    voortgang.toon(rij.nr);
+    if (rij.filiaal != vorige || print_vol()) kop(rij.filiaal);
     vorige = rij.filiaal;
     druk_rij(rij);
   }

@@ -23,13 +23,10 @@ OpdrukGroep opdruk_groep;
 namespace {
 
 constexpr int BREEDTE = 132;
-constexpr int EINDELOOS = 9999;  // rows of a page without end
-constexpr int RECHTS = 52;       // columns behind the titles, where the order's number ends
+constexpr int RECHTS = 52;  // columns behind the titles, where the order's number ends
 
 /// Set when the next group begins a page; also on paper without pages.
 bool nieuw_blad = false;
-
-int bladregels() { return prt_rec.page_lines > 0 ? prt_rec.page_lines : EINDELOOS; }
 
 void streep() {
   print_rep(BREEDTE, '-');
@@ -117,7 +114,7 @@ int32_t neem_serie(OpdrachtSoort soort, ICB* tabel, Verzamel& buf, bool* meer) {
 
 /// The pieces of a pair, under its last series.
 void voet(OpdrachtSoort soort, int32_t stuks) {
-  if (opdruk_vol(2)) opdruk_kop(soort);
+  if (print_vol(2)) opdruk_kop(soort);
   streep();
   const uint8_t naar = opdruk_groep.naarfil;
   const FiliaalRec rec = lees_filiaal(naar);
@@ -152,8 +149,6 @@ bool iets_verzameld() {
 }
 
 }  // namespace
-
-bool opdruk_vol(int regels) { return prt_rec.line_no > bladregels() - regels + 1; }
 
 void opdruk_kop(OpdrachtSoort soort) {
   nieuw_blad = false;

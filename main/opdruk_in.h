@@ -18,8 +18,6 @@ extern OpdrukGroep opdruk_groep;
 void opdruk_druk(OpdrachtSoort);
 /// A new page with the head of the group in hand.
 void opdruk_kop(OpdrachtSoort);
-/// True when fewer than `regels` lines remain on the page.
-bool opdruk_vol(int regels);
 /// Reads what a document says of a series; what cannot be read is taken from the record, or blank.
 void opdruk_lees(const Verzamel&);
 /// Prints the series that was read, with the quantities in werk8.

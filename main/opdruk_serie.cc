@@ -59,19 +59,14 @@ std::string linkerdeel(int regel) {
 
 void lees_balk() {
   balk.clear();
-  const bool leesbaar = maat_land() != 0 && ser_rec.maatsoort != 0;
-  if (leesbaar) mtkeep(&maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
-  MaatRec m{};
-  for (bool er = leesbaar && mtread(maten, 'F', &m, 4); er && balk.size() < MATEN;
-       er = mtread(maten, 'N', &m, 4)) {
-    balk.push_back({m.maat, veld(m.tekst)});
-  }
+  mtserie(&maten, ser_rec);
+  for (const MaatRec& m : mtlijst(maten)) balk.push_back({m.maat, veld(m.tekst)});
   // Pieces of sizes that the series does not have, or no longer, are not hidden.
   for (uint8_t i = 1; i < MATEN; ++i) {
     const bool staat = std::ranges::any_of(balk, [i](const Kolom& k) { return k.maat == i; });
     if (werk8.back()[i] == 0 || staat) continue;
-    m.maat = i;
-    balk.push_back({i, leesbaar && mtread(maten, 'R', &m, 1) ? veld(m.tekst) : ""});
+    MaatRec m;
+    balk.push_back({i, mtzoek(maten, i, &m) ? veld(m.tekst) : ""});
   }
 }
 
@@ -94,7 +89,7 @@ struct Blok {
   }
   /// The sizes come again where the page ends between them and their quantities.
   void ruimte(int stap) {
-    if (!opdruk_vol(1)) return;
+    if (!print_vol(1)) return;
     opdruk_kop(soort);
     maatregel(stap);
   }
@@ -114,7 +109,7 @@ struct Blok {
   }
   void stappen(int aantal) {
     for (int stap = 0; stap < aantal; ++stap) {
-      if (opdruk_vol(2)) opdruk_kop(soort);
+      if (print_vol(2)) opdruk_kop(soort);
       maatregel(stap);
       if (saldo_splits) {
         const size_t naar = opdruk_groep.naarfil;
@@ -128,7 +123,7 @@ struct Blok {
   }
   void vul_aan() {
     while (regel < BLOKREGELS) {
-      if (opdruk_vol(1)) opdruk_kop(soort);
+      if (print_vol(1)) opdruk_kop(soort);
       links();
       print_nl();
     }
@@ -137,7 +132,7 @@ struct Blok {
   void totalen(int aantal) {
     for (int stap = 0; stap < aantal; ++stap) {
       if (aantal > 1) {
-        if (opdruk_vol(2)) opdruk_kop(soort);
+        if (print_vol(2)) opdruk_kop(soort);
         maatregel(stap);
       }
       ruimte(stap);
@@ -165,7 +160,7 @@ void opdruk_lees(const Verzamel& v) {
 }
 
 void opdruk_serie(OpdrachtSoort soort) {
-  if (opdruk_vol(BLOKREGELS)) opdruk_kop(soort);
+  if (print_vol(BLOKREGELS)) opdruk_kop(soort);
   Blok blok{soort};
   const int stappen = std::max(1, static_cast<int>(balk.size() + STAP - 1) / STAP);
   blok.stappen(stappen);
@@ -173,7 +168,4 @@ void opdruk_serie(OpdrachtSoort soort) {
   if (!saldo_splits) blok.totalen(stappen);
 }
 
-void opdruk_einde() {
-  if (maten != nullptr) mtclose(maten);
-  maten = nullptr;
-}
+void opdruk_einde() { mtlos(&maten); }

@@ -44,8 +44,7 @@ void lees_serie_gegevens(const Serienr& nr) {
   lees_merk(dtmerk, &merk_rec, ser_rec.merk);
   lees_lev(dtlev, &lev_rec, ser_rec.leverancier);
   lees_kleur(&kleur, nr.kleur);
-  // A damaged series may name no size type at all.
-  if (ser_rec.maatsoort != 0) mtkeep(&maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
+  mtserie(&maten, ser_rec);
 }
 
 bool zelfde_groep(const Verzamel& a, const Verzamel& b) {
@@ -110,7 +109,7 @@ bool druk_filialen(const Saldo& saldo) {
     const int32_t uit = saldo.uit[static_cast<size_t>(f)], in = saldo.in[static_cast<size_t>(f)];
     if (uit < 1 && in < 1) continue;
     gedrukt = true;
-    if (prt_rec.line_no > prt_rec.page_lines) saldo_kop();
+    if (print_vol()) saldo_kop();
     print_f("Filiaal %2d    %4hu   %4hu stuks", f, uit, in);
     print_nl();
     tel_op(totaal, in);
@@ -143,8 +142,7 @@ bool saldo_druk() {
       99;  // forces a head on every page shorter than this; the 132-column screen has 64
   const bool gedrukt = druk_filialen(saldo);
   IXCLOSE(tabel);
-  if (maten != nullptr) mtclose(maten);
-  maten = nullptr;
+  mtlos(&maten);
   return gedrukt;
 }
 

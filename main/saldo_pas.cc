@@ -3,34 +3,30 @@
 #include "main/saldo_pas.h"
 
 #include <cstring>
-#include <map>
-#include <utility>
 
 #include "isam/base.h"
 #include "main/saldo.h"
-#include "main/teksten.h"
 #include "main/verzamel.h"
 #include "scr/scr.h"
 #include "sub/bitarr.h"
 #include "sub/ioeti.h"
 #include "sub/leesstam.h"
 #include "sub/opdrnr.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
+#include "sub/voortgang.h"
 
 namespace {
 
 constexpr int KEY_SERIE = 2;  // DTPICK by series, sending and receiving branch
 constexpr int SERIEVELDEN = 3;
 
-/// One order number for each (sending branch, second branch) of the run.
-using Paarlijst = std::map<std::pair<uint8_t, uint8_t>, uint32_t>;
-
 struct Pas {
   int mode;
   ICB* verzamel;
-  Paarlijst paren;
-  int kolom;      // where the progress is shown on the last row
-  bool gevonden;  // the series of the group is selected
+  OrderParen paren{};
+  SerieVoortgang voortgang{};
+  bool gevonden = false;  // the series of the group is selected
 };
 
 bool regel_past(const Pas& pas, const DtPick& regel) {
@@ -45,37 +41,31 @@ bool regel_past(const Pas& pas, const DtPick& regel) {
   }
 }
 
-void toon_serie(const Pas& pas, const Serienr& nr) {
-  if (scr_ctx != nullptr) scr_print(A_WAARDE, scr_ctx->lines, pas.kolom, "%s", serie_sleutel(nr));
-}
-
 /// Looks the group's series up once, through the index of the selected series.
 void zoek_serie(Pas& pas) {
   ser_rec.nr = pick_rec.nr;
   pas.gevonden = IXREAD(dtser_opzoek, &ser_rec);
   if (!pas.gevonden) return;
-  toon_serie(pas, pick_rec.nr);
+  pas.voortgang.toon(pick_rec.nr);
   lees_artikel(dtart, &art_rec, ser_rec.nr.artgroep);
   lees_merk(dtmerk, &merk_rec, ser_rec.merk);
 }
 
 /// Gives a provisional line its order number and date; false when it went away meanwhile.
 bool maak_definitief(Pas& pas) {
-  const uint8_t tweede = saldo_splits ? pick_rec.naarfil : static_cast<uint8_t>(werk8.size() - 1);
-  const auto [paar, nieuw] = pas.paren.try_emplace({pick_rec.vanfil, tweede}, 0);
-  if (nieuw) paar->second = opdrnr_nieuw();
+  const uint32_t nummer = order_nummer(pas.paren, pick_rec);
   if (!IXREADL(dtpick, &pick_rec)) {
     IXRELEASE(dtpick, &pick_rec);
     return false;
   }
-  DtPick oud = pick_rec;
-  pick_rec.opdrachtnr = paar->second;
+  const DtPick oud = pick_rec;
+  pick_rec.opdrachtnr = nummer;
   pick_rec.orderdatum = date_today();
   if (IXUPDATE(dtpick, &pick_rec)) return true;
   // The counter has come round to an order of long ago that was never dropped: this line takes its
   // place, and only then goes itself.
   IXWRITE(dtpick, &pick_rec);
-  if (IXREADL(dtpick, &oud)) IXDELETE(dtpick, &oud);
+  verwijder(dtpick, oud);
   return true;
 }
 
@@ -111,24 +101,24 @@ void neem_groep(Pas& pas) {
 
 }  // namespace
 
+uint32_t order_nummer(OrderParen& paren, const DtPick& regel) {
+  const uint8_t tweede = saldo_splits ? regel.naarfil : static_cast<uint8_t>(werk8.size() - 1);
+  const auto [paar, nieuw] = paren.try_emplace({regel.vanfil, tweede}, 0);
+  if (nieuw) paar->second = opdrnr_nieuw();
+  return paar->second;
+}
+
 void saldo_pass(int mode) {
-  const char* label = txt(T_SERIENUMMER);
-  Pas pas{mode, nullptr, {}, static_cast<int>(strlen(label)) + 2, false};
-  if (scr_ctx != nullptr) {
-    scr_clreol(scr_ctx->lines, 1);
-    scr_print(A_LABEL, scr_ctx->lines, 1, "%s", label);
-  }
+  Pas pas{mode, nullptr};
   // The table carries the terminal's number: nobody else writes it, so no lock is needed per line.
   pas.verzamel = IXOPEN_LENGTE(privaat.tp, IX_EXCLUSIEF, sizeof(Verzamel));
-  const int sleutel = dtpick->block.key_number;
-  IXSWITCH(dtpick, KEY_SERIE);
+  const OpSleutel sleutel(dtpick, KEY_SERIE);
   memset(&pick_rec, 0, sizeof pick_rec);
   while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec)) {
     neem_groep(pas);
     if (mode == 2 && pas.gevonden) aanv_afboek(ser_rec.nr);
   }
   IXCLOSE(pas.verzamel);
-  IXSWITCH(dtpick, sleutel);
 }
 
 void aanv_afboek(const Serienr& nr) {
@@ -151,11 +141,6 @@ void aanv_afboek(const Serienr& nr) {
     } else if (!weg) {
       weg = etiket.vrkdat <= grens && bit_test(adv_rec.aanvul_filialen, etiket.filiaal);
     }
-    if (!weg) continue;
-    if (IXREADL(dtaanv, &aanv_rec)) {
-      IXDELETE(dtaanv, &aanv_rec);
-    } else {
-      IXRELEASE(dtaanv, &aanv_rec);
-    }
+    if (weg) verwijder(dtaanv, aanv_rec);
   }
 }

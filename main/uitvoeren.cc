@@ -6,8 +6,6 @@
 // the label in hand first, since it is still the first in stock, and sends what is left. The line
 // goes last.
 #include <cstring>
-#include <map>
-#include <utility>
 
 #include "isam/base.h"
 #include "main/batchvw.h"
@@ -21,8 +19,9 @@
 #include "sub/bitarr.h"
 #include "sub/ioeti.h"
 #include "sub/muteren.h"
-#include "sub/opdrnr.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
+#include "sub/voortgang.h"
 
 namespace {
 
@@ -30,26 +29,15 @@ constexpr int KEY_SERIE = 2;  // DTPICK by series, sending and receiving branch
 constexpr int SERIEVELDEN = 3;
 
 struct Pas {
-  std::map<std::pair<uint8_t, uint8_t>, uint32_t> paren;  // order numbers of the run
-  int kolom = 1;                                          // of the progress on the last row
-  bool gezocht = false, gevonden = false;                 // of the group's series
+  OrderParen paren;  // the orders of the run
+  SerieVoortgang voortgang{};
+  bool gezocht = false, gevonden = false;  // of the group's series
 };
 
 struct Stuk {
   int32_t nummer;
   Etiket etiket;
 };
-
-void toon_label(Pas& pas) {
-  const char* label = txt(T_SERIENUMMER);
-  pas.kolom = static_cast<int>(strlen(label)) + 2;
-  if (scr_ctx == nullptr) return;
-  scr_clreol(scr_ctx->lines, 1);
-  scr_print(A_LABEL, scr_ctx->lines, 1, "%s", label);
-}
-void toon_serie(const Pas& pas, const Serienr& nr) {
-  if (scr_ctx != nullptr) scr_print(A_WAARDE, scr_ctx->lines, pas.kolom, "%s", serie_sleutel(nr));
-}
 
 /// Whether the group's series is selected; looked up once.
 bool serie_gekozen(Pas& pas) {
@@ -58,7 +46,7 @@ bool serie_gekozen(Pas& pas) {
   DtSer rec{};
   rec.nr = pick_rec.nr;
   pas.gevonden = IXREAD(dtser_opzoek, &rec);
-  if (pas.gevonden) toon_serie(pas, pick_rec.nr);
+  if (pas.gevonden) pas.voortgang.toon(pick_rec.nr);
   return pas.gevonden;
 }
 
@@ -68,31 +56,20 @@ bool paar_bestaat(const DtPick& regel) {
   return regel.vanfil < b && regel.naarfil < b && regel.vanfil != regel.naarfil;
 }
 
-uint32_t ordernummer(Pas& pas) {
-  const uint8_t tweede = saldo_splits ? pick_rec.naarfil : static_cast<uint8_t>(werk8.size() - 1);
-  const auto [paar, nieuw] = pas.paren.try_emplace({pick_rec.vanfil, tweede}, 0);
-  if (nieuw) paar->second = opdrnr_nieuw();
-  return paar->second;
-}
-
 /// The labels in stock that serve a line, first to last. The whole chain is read before anything
-/// is written: one that leads to another series ends the run here.
-std::vector<Stuk> zoek_stukken(const DtPick& regel) {
+/// is written: false when it leads astray.
+bool zoek_stukken(const DtPick& regel, std::vector<Stuk>* uit) {
   uint32_t wens[MATEN];
   memcpy(wens, regel.aantal, sizeof wens);
-  std::vector<Stuk> uit;
-  const Serienr nr = ser_rec.nr;
-  eti_eigenaar(&nr);
-  int32_t nummer = ser_rec.blok1;
-  Etiket e{};
-  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
+  EtiReeks reeks(ser_rec);
+  while (reeks.volgende()) {
+    const Etiket& e = reeks.etiket;
     const bool past = e.status == ETI_VOORRAAD && e.onderweg == 0 && e.filiaal == regel.vanfil;
     if (!past || e.maat == 0 || e.maat >= MATEN || wens[e.maat] == 0) continue;
     --wens[e.maat];
-    uit.push_back({nummer, e});
+    uit->push_back({reeks.nummer, e});
   }
-  eti_eigenaar(nullptr);
-  return uit;
+  return reeks.geheel;
 }
 
 /// The line in pick_rec again, locked; false when it went away meanwhile.
@@ -112,17 +89,27 @@ void verzend(const Stuk& stuk, const Zending& z) {
   IXLOCK(dtpick, 3);
 }
 
-/// One provisional line of a selected series: sends, and takes the line away.
-void voer_uit(Pas& pas) {
-  if (!serie_wacht(pick_rec.nr)) {
-    pas.gevonden = false;
-    return;
+/// One provisional line of a selected series: sends, and takes the line away. False when there was
+/// nothing to do it with.
+bool voer_uit(Pas& pas) {
+  pas.gevonden = serie_wacht(pick_rec.nr);
+  if (!pas.gevonden) return false;
+  if (!regel_vast()) {
+    serie_los();
+    return false;
   }
-  if (!regel_vast()) return serie_los();
+  std::vector<Stuk> stukken;
+  if (!zoek_stukken(pick_rec, &stukken)) {
+    pas.voortgang.onleesbaar(pick_rec.nr);
+    pas.gevonden = false;
+    IXRELEASE(dtpick, &pick_rec);
+    serie_los();
+    return false;
+  }
   uint32_t gevraagd[MATEN];
   memcpy(gevraagd, pick_rec.aantal, sizeof gevraagd);
-  const std::vector<Stuk> stukken = zoek_stukken(pick_rec);
-  const Zending z{pick_rec.vanfil, pick_rec.naarfil, ordernummer(pas), date_today(), 1};
+  const Zending z{pick_rec.vanfil, pick_rec.naarfil, order_nummer(pas.paren, pick_rec),
+                  date_today(), 1};
   for (const Stuk& stuk : stukken) verzend(stuk, z);
   if (stukken.empty())
     serie_los();
@@ -130,6 +117,7 @@ void voer_uit(Pas& pas) {
     serie_schrijf();
   matrix_add(werk8, pick_rec.naarfil, std::span<const uint32_t, MATEN>(gevraagd));
   IXDELETE(dtpick, &pick_rec);
+  return true;
 }
 
 /// All lines of the series whose first line stands in pick_rec.
@@ -143,8 +131,7 @@ void neem_groep(Pas& pas) {
       pick_rec.naarfil = FILIAAL_SPRONG;  // the next read skips the rest of this sending branch
     } else if (bit_test(adv_rec.aanvul_filialen, pick_rec.naarfil) && pick_rec.opdrachtnr == 0 &&
                paar_bestaat(pick_rec) && serie_gekozen(pas)) {
-      voer_uit(pas);
-      iets = true;
+      iets = voer_uit(pas) || iets;
     }
   } while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec, SERIEVELDEN));
   if (iets) aanv_afboek(nr);
@@ -154,12 +141,10 @@ void neem_groep(Pas& pas) {
 
 std::vector<Uitvoering> uitvoer_pas() {
   Pas pas;
-  toon_label(pas);
-  const int sleutel = dtpick->block.key_number;
-  IXSWITCH(dtpick, KEY_SERIE);
+  const OpSleutel sleutel(dtpick, KEY_SERIE);
   memset(&pick_rec, 0, sizeof pick_rec);
   while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec)) neem_groep(pas);
-  IXSWITCH(dtpick, sleutel);
+  pas.voortgang.einde();
   std::vector<Uitvoering> uit;
   for (const auto& [paar, nummer] : pas.paren) {
     uit.push_back({paar.first, saldo_splits ? int{paar.second} : -1, nummer});

@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr int EINDELOOS = 9999;
-
 struct Lijst {
   OpdrachtSoort soort;
   uint32_t opdrachtnr;
@@ -76,8 +74,7 @@ void kop(const Lijst& l, const Zoekregel& r) {
 
 /// A new page when fewer than `regels` lines remain on this one.
 void ruimte(const Lijst& l, const Zoekregel& r, int regels) {
-  const int bladzij = prt_rec.page_lines > 0 ? prt_rec.page_lines : EINDELOOS;
-  if (prt_rec.line_no + regels - 1 > bladzij) kop(l, r);
+  if (print_vol(regels)) kop(l, r);
 }
 
 /// The two lines by which a series is found: place and brand, description and colour.

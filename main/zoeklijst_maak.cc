@@ -8,6 +8,7 @@
 #include "sub/ioeti.h"
 #include "sub/iomaat.h"
 #include "sub/leesstam.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -35,9 +36,7 @@ const char* naam(ZoekTabel soort) {
 
 /// Master data of a series, read once as long as the rows are of the same one.
 struct Serie {
-  ~Serie() {
-    if (maten != nullptr) mtclose(maten);
-  }
+  ~Serie() { mtlos(&maten); }
   Serie() = default;
   Serie(const Serie&) = delete;
   Serie& operator=(const Serie&) = delete;
@@ -49,12 +48,9 @@ struct Serie {
     er = lees_serie(dtser, &ser_rec, nr);
     if (!er) return false;
     lees_merk(dtmerk, &merk_rec, ser_rec.merk);
-    if (ser_rec.maatsoort != 0 && maat_land() != 0) {
-      mtkeep(&maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
-    }
+    mtserie(&maten, ser_rec);
     return true;
   }
-  MaatHandle* van_serie() const { return ser_rec.maatsoort != 0 ? maten : nullptr; }
 
   Serienr nr{};
   bool gelezen = false, er = false;
@@ -107,9 +103,8 @@ Zoekregel zoek_regel(const DtGo& go, int32_t etiketnr, const Etiket& e, MaatHand
   memcpy(r.model, ser_rec.model, sizeof r.model);
   memcpy(r.locatie, ser_rec.locatie, sizeof r.locatie);
   memcpy(r.merk, merk_rec.zoeknaam, sizeof r.merk);
-  MaatRec maat{};
-  maat.maat = e.maat;
-  if (maten != nullptr && mtread(maten, 'R', &maat, 1)) {
+  MaatRec maat;
+  if (mtzoek(maten, e.maat, &maat)) {
     r.rang = maat.positie;
     memcpy(r.maattekst, maat.tekst, sizeof r.maattekst);
   }
@@ -122,8 +117,7 @@ Zoekregel zoek_regel(const DtGo& go, int32_t etiketnr, const Etiket& e, MaatHand
 
 void zoek_vul(uint8_t van, int naar, uint32_t opdrachtnr) {
   ICB* tabel = IXOPEN_LENGTE(privaat.tp, IX_EXCLUSIEF, sizeof(Zoekregel));
-  const int sleutel = dtgo->block.key_number;
-  IXSWITCH(dtgo, KEY_PAREN);
+  const OpSleutel sleutel(dtgo, KEY_PAREN);
   Serie serie;
   DtGo go{};
   go.vanfil = van;
@@ -134,9 +128,8 @@ void zoek_vul(uint8_t van, int naar, uint32_t opdrachtnr) {
     auto nummer = static_cast<int32_t>(go.etiket);
     Etiket e{};
     if (!ioeti('R', &nummer, &e) || !nog_gezonden(go, e) || !serie.lees(go.nr)) continue;
-    Zoekregel r = zoek_regel(go, nummer, e, serie.van_serie());
+    Zoekregel r = zoek_regel(go, nummer, e, serie.maten);
     IXWRITE(tabel, &r);
   }
-  IXSWITCH(dtgo, sleutel);
   IXCLOSE(tabel);
 }

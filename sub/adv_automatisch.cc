@@ -10,8 +10,10 @@
 #include "sub/adv_vul.h"
 #include "sub/muteren.h"
 #include "sub/opdrnr.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
+#include "sub/voortgang.h"
 
 namespace {
 
@@ -19,19 +21,10 @@ constexpr int F_ADVIES = 9, F_OPDRACHT = 10;  // work functions
 constexpr int KEY_PAREN = 3;                  // DTPICK by branch pair and order number
 constexpr Serienr VOORBIJ{UINT32_MAX, UINT16_MAX, UINT16_MAX};
 
-/// DTPICK by branch pair as long as it lives.
-struct OpParen {
-  OpParen() : sleutel(dtpick->block.key_number) { IXSWITCH(dtpick, KEY_PAREN); }
-  ~OpParen() { IXSWITCH(dtpick, sleutel); }
-  OpParen(const OpParen&) = delete;
-  OpParen& operator=(const OpParen&) = delete;
-  int sleutel;
-};
-
 /// Deletes the provisional lines of all series. The bar follows the sending branch: how many lines
 /// are to come is not known.
 void voorlopige_weg() {
-  const OpParen paren;
+  const OpSleutel sleutel(dtpick, KEY_PAREN);
   ix_hooks.voortgang(txt(T_ADVO_BEZIG_VERWIJDEREN), 0, filialen());
   DtPick regel{};
   for (bool er = IXFIRSTR(dtpick, &regel); er; er = IXNEXT(dtpick, &regel)) {
@@ -39,10 +32,8 @@ void voorlopige_weg() {
     if (regel.opdrachtnr != 0) {
       regel.opdrachtnr = UINT32_MAX;  // on to the next pair
       regel.nr = VOORBIJ;
-    } else if (IXREADL(dtpick, &regel)) {
-      IXDELETE(dtpick, &regel);
     } else {
-      IXRELEASE(dtpick, &regel);
+      verwijder(dtpick, regel);
     }
   }
   ix_hooks.voortgang(nullptr, 0, 0);
@@ -77,39 +68,19 @@ bool maak_opdracht(const Serienr& nr) {
   return geheel;
 }
 
-/// Stays on the row above the number until the end, so that it can be read.
-void meld_onleesbaar(const Serienr& nr) {
-  if (scr_ctx == nullptr) return;
-  const int rij = scr_ctx->lines - 1;
-  scr_clreol(rij, 1);
-  scr_print(A_WAARDE, rij, 1, "%s  %s", serie_tekst(nr), txt(T_ADVO_ONLEESBAAR));
-}
-
 }  // namespace
 
 void adv_aanv_reeks(bool (*doe)(const Serienr&)) {
-  int kolom = 0, onleesbaar = 0;
-  if (scr_ctx != nullptr) {
-    scr_clrbot(scr_ctx->lines - 1, 1);
-    kolom = 2 + scr_print(A_LABEL, scr_ctx->lines, 1, "%s", txt(T_ADVO_SERIENUMMER));
-  }
+  SerieVoortgang voortgang;
   DtAanv regel{};
   for (bool er = IXFIRSTR(dtaanv, &regel); er; er = IXNEXT(dtaanv, &regel)) {
-    if (scr_ctx != nullptr) {
-      if (scr_interrupted()) break;
-      scr_print(A_WAARDE, scr_ctx->lines, kolom, "%s", serie_sleutel(regel.nr));
-    }
+    if (scr_ctx != nullptr && scr_interrupted()) break;
+    voortgang.toon(regel.nr);
     const Serienr nr = regel.nr;
-    if (!doe(nr)) {
-      ++onleesbaar;
-      meld_onleesbaar(nr);
-    }
+    if (!doe(nr)) voortgang.onleesbaar(nr);
     regel.etiket = UINT32_MAX;  // past the series' other labels
   }
-  if (onleesbaar > 0 && scr_ctx != nullptr) {
-    msg_waarschuw(str_format("%d %s", onleesbaar, txt(T_ADVO_SERIES_OVERGESLAGEN)).c_str(),
-                  txt(T_ADVO_ONLEESBAAR));
-  }
+  voortgang.einde();
 }
 
 void opdracht_automatisch() {

@@ -9,7 +9,7 @@
 #include "sub/serie_keuze.h"
 #include "sub/serie_vraag.h"
 #include "sub/servrd.h"
-#include "sub/tabeldef.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 
@@ -25,15 +25,6 @@ struct Opdracht {
   int slot;
 };
 Opdracht opdracht;
-
-/// Where the next and the previous series come from, in a handle of its own.
-struct Bron {
-  Bron(const char* naam, int sleutel) : icb(tabel_open(naam, IX_LEES)) { IXSWITCH(icb, sleutel); }
-  ~Bron() { IXCLOSE(icb); }
-  Bron(const Bron&) = delete;
-  Bron& operator=(const Bron&) = delete;
-  ICB* icb;
-};
 
 /// Shows the locked series until the operator leaves it, puts its orders down, and unlocks it.
 int behandel() {
@@ -78,7 +69,7 @@ bool neem_gevraagde(SerieVraag vraag) {
 
 void via_vraag(SerieVraag vraag, const char* naam, int sleutel) {
   while (neem_gevraagde(vraag)) {
-    const Bron bron(naam, sleutel);
+    const EigenTabel bron(naam, sleutel);
     if (doorloop(bron.icb) == Afloop::klaar) return;
   }
 }
@@ -89,7 +80,7 @@ void via_model() { via_vraag(SerieVraag::merk_model, privaat.r, KEY_NUMMER); }
 
 /// Another series of the selection is its first again.
 void via_selectie() {
-  const Bron bron(privaat.v, KEY_NUMMER);
+  const EigenTabel bron(privaat.v, KEY_NUMMER);
   hdr_line('C', "%s", opdracht.titel);
   do {
     ser_rec = {};

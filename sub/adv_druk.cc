@@ -42,9 +42,8 @@ void kop() {
 std::string maten_regel(size_t van, size_t tot) {
   std::string uit(15, ' ');
   for (size_t i = van; i < tot; ++i) {
-    MaatRec m{};
-    m.maat = advies.maten[i];
-    const bool er = adv_maten != nullptr && mtread(adv_maten, 'R', &m, 1);
+    MaatRec m;
+    const bool er = mtzoek(adv_maten, advies.maten[i], &m);
     uit += str_format(" %3s", er ? veld_tekst(m.tekst, sizeof m.tekst) : std::string());
   }
   return uit;
@@ -105,9 +104,9 @@ void druk_blok() {
   const std::vector<std::string> rechts = rechterdeel();
   const size_t regels = std::max<size_t>(2, rechts.size());
   const int samen = static_cast<int>(std::min<size_t>(regels, 4));
-  if (prt_rec.line_no + samen - 1 > prt_rec.page_lines) kop();
+  if (print_vol(samen)) kop();
   for (size_t i = 0; i < regels; ++i) {
-    if (prt_rec.line_no > prt_rec.page_lines) kop();
+    if (print_vol()) kop();
     druk_links(i);
     if (i < rechts.size()) print_f("%s", rechts[i]);
     print_nl();

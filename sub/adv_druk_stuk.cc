@@ -29,16 +29,15 @@ void kop() {
 }
 
 std::string maat_tekst(uint8_t maat) {
-  MaatRec m{};
-  m.maat = maat;
-  const bool er = adv_maten != nullptr && mtread(adv_maten, 'R', &m, 1);
+  MaatRec m;
+  const bool er = mtzoek(adv_maten, maat, &m);
   return er ? veld_tekst(m.tekst, sizeof m.tekst) : str_format("%d", int{maat});
 }
 
 /// The series stands on its first line only. Nobody knows label numbers of a series with size
 /// registration, so they stay out.
 void druk_stuk(int32_t nummer, const Etiket& e, bool eerste) {
-  const bool kop_nodig = prt_rec.line_no > prt_rec.page_lines;
+  const bool kop_nodig = print_vol();
   if (kop_nodig) kop();
   const bool serie = eerste || kop_nodig;
   const DtSer& s = ser_rec;

@@ -19,6 +19,7 @@
 #include "sub/pghdl.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
+#include "sub/voortgang.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ void kop() {
   print_nl();
 }
 void begin_regel() {
-  if (prt_rec.line_no > prt_rec.page_lines) kop();
+  if (print_vol()) kop();
 }
 
 /// Looks the owner of a block up; an unknown one is told once, and its sales do not count.
@@ -86,21 +87,13 @@ void tel_blok(Telling& t, const EtiBlok& blok) {
 }
 
 void tel(Telling& t) {
-  int kolom = 0;
-  if (scr_ctx != nullptr) {
-    scr_clreol(scr_ctx->lines, 1);
-    kolom = 2 + scr_print(A_LABEL, scr_ctx->lines, 1, "%s", txt(T_ADVO_SERIENUMMER));
-  }
+  const SerieVoortgang voortgang;
   EtiBlok blok;
   Serienr getoond{};
   for (int32_t n = 0; eti_lees_rauw(n, &blok) == EtiLees::goed; ++n) {
-    if (scr_ctx != nullptr) {
-      if (scr_interrupted()) return;
-      if (!(blok.nr == getoond)) {
-        scr_print(A_WAARDE, scr_ctx->lines, kolom, "%s", serie_sleutel(blok.nr));
-      }
-      getoond = blok.nr;
-    }
+    if (scr_ctx != nullptr && scr_interrupted()) return;
+    if (!(blok.nr == getoond)) voortgang.toon(blok.nr);
+    getoond = blok.nr;
     tel_blok(t, blok);
   }
 }

@@ -7,6 +7,7 @@
 #include "sub/adv_vul_intern.h"
 #include "sub/muteren.h"
 #include "sub/pghdl.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 
@@ -21,7 +22,7 @@ bool heeft_aanvul(const Serienr& nr) {
 }
 
 bool heeft_voorlopig(const Serienr& nr) {
-  const AdvSleutel sleutel(dtpick, KEY_PICK_SERIE);
+  const OpSleutel sleutel(dtpick, KEY_PICK_SERIE);
   DtPick rec{};
   rec.nr = nr;
   for (bool er = IXFIRSTR(dtpick, &rec, SERIEVELDEN); er; er = IXNEXT(dtpick, &rec, SERIEVELDEN)) {

@@ -10,6 +10,7 @@
 #include "sub/adv_opdracht.h"
 #include "sub/adv_vul_intern.h"
 #include "sub/advies.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -98,25 +99,19 @@ void opdracht_regel(int van, int naar, std::span<const uint32_t, MATEN> aantalle
 }
 
 void opdrachten_wissen(const Serienr& nr) {
-  const AdvSleutel sleutel(dtpick, KEY_PICK_SERIE);
+  const OpSleutel sleutel(dtpick, KEY_PICK_SERIE);
   DtPick rec{};
   rec.nr = nr;
   for (bool er = IXFIRSTR(dtpick, &rec, SERIEVELDEN); er; er = IXNEXT(dtpick, &rec, SERIEVELDEN)) {
     if (rec.opdrachtnr != 0)
       rec.opdrachtnr = UINT32_MAX;  // on to the next pair: its provisional line stands first
-    else if (IXREADL(dtpick, &rec))
-      IXDELETE(dtpick, &rec);
     else
-      IXRELEASE(dtpick, &rec);
+      verwijder(dtpick, rec);
   }
 }
 
 void aanvul_wissen(const Serienr& nr) {
   DtAanv rec{nr, 0};
-  for (bool er = IXFIRSTR(dtaanv, &rec, SERIEVELDEN); er; er = IXNEXT(dtaanv, &rec, SERIEVELDEN)) {
-    if (IXREADL(dtaanv, &rec))
-      IXDELETE(dtaanv, &rec);
-    else
-      IXRELEASE(dtaanv, &rec);
-  }
+  for (bool er = IXFIRSTR(dtaanv, &rec, SERIEVELDEN); er; er = IXNEXT(dtaanv, &rec, SERIEVELDEN))
+    verwijder(dtaanv, rec);
 }

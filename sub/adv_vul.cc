@@ -14,9 +14,9 @@
 #include "main/controle.h"
 #include "sub/adv_vul_intern.h"
 #include "sub/bitarr.h"
-#include "sub/ioeti_intern.h"
+#include "sub/ioeti.h"
 #include "sub/leesstam.h"
-#include "sub/tabeldef.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 Kleur adv_kleur;
@@ -28,7 +28,6 @@ namespace {
 constexpr uint8_t GO_SOORT = 1;
 constexpr uint8_t OPTIE_PER_MAAT = 4;  // of the system record: fair share kept per size
 constexpr uint8_t ART_PUUR = 1, ART_ALLEEN_ONDER = 2;
-constexpr uint8_t MAATSOORT_GEEN = 255;  // no type of that number: a handle without sizes
 
 ICB* doelgroepen;
 int pick_sleutel, go_sleutel;  // to give back
@@ -69,7 +68,7 @@ void lees_aanvul(Lading& l) {
 }
 
 void lees_onderweg(Lading& l) {
-  const AdvSleutel sleutel(dtgo, KEY_GO_SERIE);
+  const OpSleutel sleutel(dtgo, KEY_GO_SERIE);
   DtGo rec{};
   rec.nr = ser_rec.nr;
   for (bool er = IXFIRSTR(dtgo, &rec, SERIEVELDEN); er; er = IXNEXT(dtgo, &rec, SERIEVELDEN)) {
@@ -80,25 +79,6 @@ void lees_onderweg(Lading& l) {
 }
 
 // The labels --------------------------------------------------------------------------------------
-
-/// Notices a chain that runs back into itself: the label would never be the last one.
-struct Kring {
-  int32_t blok = -1, nummer = 0, merk = -1;
-  int64_t stap = 0, tot = 1;
-
-  bool terug(int32_t etiket) {
-    const int32_t vorige = nummer, vorig_blok = blok;
-    nummer = etiket;
-    blok = eti_blok(etiket);
-    if (blok == vorig_blok) return etiket <= vorige;
-    if (blok == merk) return true;
-    if (++stap < tot) return false;
-    merk = blok;
-    stap = 0;
-    tot *= 2;
-    return false;
-  }
-};
 
 bool in_periode(const Lading& l, uint16_t datum) {
   return datum > l.vandaag - adv_rec.vrk_dagen && datum <= l.vandaag;
@@ -142,15 +122,9 @@ void boek_etiket(Lading& l, uint32_t nummer, const Etiket& e) {
 /// One walk of the chain. False when it leads into another series or back into itself; a block that
 /// cannot be read ends the program.
 bool lees_etiketten(Lading& l) {
-  int32_t nummer = ser_rec.blok1;
-  if (nummer < 0) return true;
-  Etiket e{};
-  Kring kring;
-  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
-    if (!(e.nr == ser_rec.nr) || kring.terug(nummer)) return false;
-    boek_etiket(l, static_cast<uint32_t>(nummer), e);
-  }
-  return eti.buffer.nr == ser_rec.nr;  // blocks without labels went by unseen
+  EtiReeks reeks(ser_rec);
+  while (reeks.volgende()) boek_etiket(l, static_cast<uint32_t>(reeks.nummer), reeks.etiket);
+  return reeks.geheel;
 }
 
 // The order lines ---------------------------------------------------------------------------------
@@ -191,7 +165,7 @@ void boek_voorlopig(const DtPick& rec) {
 }
 
 void lees_opdrachten(const Lading& l) {
-  const AdvSleutel sleutel(dtpick, KEY_PICK_SERIE);
+  const OpSleutel sleutel(dtpick, KEY_PICK_SERIE);
   DtPick rec{};
   rec.nr = ser_rec.nr;
   for (bool er = IXFIRSTR(dtpick, &rec, SERIEVELDEN); er; er = IXNEXT(dtpick, &rec, SERIEVELDEN)) {
@@ -227,12 +201,8 @@ void neem_groep(bool bekend) {
 }
 
 void neem_maten() {
-  const uint8_t soort = ser_rec.maatsoort != 0 ? ser_rec.maatsoort : MAATSOORT_GEEN;
-  mtkeep(&adv_maten, maat_land(), soort, ser_rec.maten);
   advies.maten.clear();
-  MaatRec maat{};
-  for (bool er = mtread(adv_maten, 'F', &maat, 4); er; er = mtread(adv_maten, 'N', &maat, 4))
-    advies.maten.push_back(maat.maat);
+  for (const MaatRec& m : mtlijst(mtserie(&adv_maten, ser_rec))) advies.maten.push_back(m.maat);
 }
 
 void lees_stam() {
@@ -308,8 +278,7 @@ void adv_sluit() {
     IXCLOSE(*icb);
     *icb = nullptr;
   }
-  if (adv_maten != nullptr) mtclose(adv_maten);
-  adv_maten = nullptr;
+  mtlos(&adv_maten);
   advies = Advies{};
 }
 

@@ -4,19 +4,6 @@
 #include "isam/ix.h"
 #include "sub/records.h"
 
-/// Puts a table on a key and back on its own at the end of the scope.
-struct AdvSleutel {
-  AdvSleutel(ICB* tabel, int nieuw) : icb(tabel), oud(tabel->block.key_number) {
-    if (oud != nieuw) IXSWITCH(icb, nieuw);
-  }
-  ~AdvSleutel() {
-    if (icb->block.key_number != oud && oud > 0) IXSWITCH(icb, oud);
-  }
-  AdvSleutel(const AdvSleutel&) = delete;
-  AdvSleutel& operator=(const AdvSleutel&) = delete;
-  ICB* icb;
-  int oud;
-};
 inline constexpr int KEY_PICK_SERIE = 2;  // DTPICK by series, sending and receiving branch
 inline constexpr int KEY_GO_SERIE = 3;    // DTGO by series
 inline constexpr int SERIEVELDEN = 3;     // their fields that are the series

@@ -13,26 +13,13 @@
 
 #include "isam/base.h"
 #include "main/iotab.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
 
 /// The series whose record is locked; the buffer may be changed or lost before it is let go.
 Serienr vaste_serie;
-
-/// Puts a table on a key and back on its own at the end of the scope.
-struct OpSleutel {
-  OpSleutel(ICB* tabel, int nieuw) : icb(tabel), oud(tabel->block.key_number) {
-    if (oud != nieuw) IXSWITCH(icb, nieuw);
-  }
-  ~OpSleutel() {
-    if (icb->block.key_number != oud && oud > 0) IXSWITCH(icb, oud);
-  }
-  OpSleutel(const OpSleutel&) = delete;
-  OpSleutel& operator=(const OpSleutel&) = delete;
-  ICB* icb;
-  int oud;
-};
 
 bool transit_aan() { return sys_rec20.transit != 0; }
 
@@ -109,33 +96,24 @@ bool go_lees(int32_t etiket) {
   return false;
 }
 
-namespace {
-
-/// The label's record for a change; when it is gone nothing stays locked.
-bool go_vast(int32_t etiket, DtGo* rec) {
-  *rec = DtGo{};
-  rec->etiket = static_cast<uint32_t>(etiket);
-  if (IXREADL(dtgo, rec)) return true;
-  *rec = DtGo{};
-  rec->etiket = static_cast<uint32_t>(etiket);
-  IXRELEASE(dtgo, rec);
-  return false;
-}
-
-}  // namespace
-
 void go_afwerken(int32_t etiket) {
   const OpSleutel sleutel(dtgo, 1);
-  DtGo rec;
-  if (!go_vast(etiket, &rec)) return;
+  DtGo rec{};
+  rec.etiket = static_cast<uint32_t>(etiket);
+  const DtGo gezocht = rec;
+  if (!IXREADL(dtgo, &rec)) {
+    rec = gezocht;
+    return IXRELEASE(dtgo, &rec);
+  }
   rec.afgewerkt = 1;
   IXWRITE(dtgo, &rec);
 }
 
 void go_verwijder(int32_t etiket) {
   const OpSleutel sleutel(dtgo, 1);
-  DtGo rec;
-  if (go_vast(etiket, &rec)) IXDELETE(dtgo, &rec);
+  DtGo rec{};
+  rec.etiket = static_cast<uint32_t>(etiket);
+  verwijder(dtgo, rec);
 }
 
 // Financial lines ---------------------------------------------------------------------------------
@@ -160,13 +138,7 @@ uint32_t fin_volgnummer(int32_t etiket, uint16_t datum) {
 
 void fin_verwijder(const DtFin& regel) {
   const OpSleutel sleutel(dtfin, 1);
-  DtFin rec = regel;
-  if (IXREADL(dtfin, &rec)) {
-    IXDELETE(dtfin, &rec);
-    return;
-  }
-  rec = regel;
-  IXRELEASE(dtfin, &rec);
+  verwijder(dtfin, regel);
 }
 
 }  // namespace

@@ -6,23 +6,13 @@
 
 #include "main/controle.h"
 #include "sub/opdr_intern.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
 
 constexpr int PICK_PAREN = 3;  // DTPICK by branch pair and order number
 constexpr int GO_PAREN = 2;    // DTGO by branch pair
-
-struct Sleutel {
-  Sleutel(ICB* tabel, int nummer) : icb(tabel), oud(tabel->block.key_number) {
-    IXSWITCH(icb, nummer);
-  }
-  ~Sleutel() { IXSWITCH(icb, oud); }
-  Sleutel(const Sleutel&) = delete;
-  Sleutel& operator=(const Sleutel&) = delete;
-  ICB* icb;
-  int oud;
-};
 
 struct Loop {
   const OpdrGrens& grens;
@@ -59,7 +49,7 @@ void spring(const Loop& l, DtPick& r) {
 }
 
 void tel_opdrachten(Loop& l) {
-  const Sleutel sleutel(dtpick, PICK_PAREN);
+  const OpSleutel sleutel(dtpick, PICK_PAREN);
   const int velden = l.grens.vanfil >= 0 ? 1 : 0;
   DtPick r{};
   if (velden != 0) r.vanfil = static_cast<uint8_t>(l.grens.vanfil);
@@ -72,7 +62,7 @@ void tel_opdrachten(Loop& l) {
 }
 
 void tel_onderweg(Loop& l) {
-  const Sleutel sleutel(dtgo, GO_PAREN);
+  const OpSleutel sleutel(dtgo, GO_PAREN);
   const int velden = l.grens.vanfil >= 0 ? 1 : 0;
   DtGo r{};
   if (velden != 0) r.vanfil = static_cast<uint8_t>(l.grens.vanfil);

@@ -11,6 +11,7 @@
 #include "isam/base.h"
 #include "main/iotab.h"
 #include "scr/scr.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 
@@ -96,8 +97,7 @@ bool opdrnr_ingave(int row, int col, uint32_t* nummer) {
 
 int dtpick_soorten() {
   constexpr int KEY_PAREN = 3;  // by branch pair and order number
-  const int sleutel = dtpick->block.key_number;
-  IXSWITCH(dtpick, KEY_PAREN);
+  const OpSleutel sleutel(dtpick, KEY_PAREN);
   DtPick regel{};
   int soorten = 0;
   for (bool er = IXFIRSTR(dtpick, &regel); er && soorten != (OPDR_VOORLOPIG | OPDR_DEFINITIEF);
@@ -105,6 +105,5 @@ int dtpick_soorten() {
     soorten |= regel.opdrachtnr == 0 ? OPDR_VOORLOPIG : OPDR_DEFINITIEF;
     regel.nr = {UINT32_MAX, UINT16_MAX, UINT16_MAX};  // past the other lines of this order
   }
-  IXSWITCH(dtpick, sleutel);
   return soorten;
 }

@@ -10,7 +10,7 @@
 #include "main/controle.h"
 #include "sub/leesstam.h"
 #include "sub/serie.h"
-#include "sub/tabeldef.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
 #include "sub/zoek.h"
@@ -125,19 +125,10 @@ bool kies_uit(Groep& g, Serienr* nr) {
 
 // Finding them ------------------------------------------------------------------------------------
 
-/// A handle for the length of a search: the run's own stays where its user left it.
-struct Index {
-  Index(const char* naam, int sleutel) : icb(tabel_open(naam, IX_LEES)) { IXSWITCH(icb, sleutel); }
-  ~Index() { IXCLOSE(icb); }
-  Index(const Index&) = delete;
-  Index& operator=(const Index&) = delete;
-  ICB* icb;
-};
-
 /// The series of one brand by model, for this search and for who goes on from the series found.
 /// False when the operator broke off.
 bool vul_modelindex(uint16_t merk) {
-  const Index series("DTSER", KEY_MERK);
+  const EigenTabel series("DTSER", KEY_MERK);
   ICB* models = sort_maak(privaat.r, "MAKV");
   DtSer rec{};
   rec.merk = merk;
@@ -161,7 +152,7 @@ DtSer gevraagde_serie() {
 }
 
 bool zoek_nummer(Serienr* nr) {
-  const Index index("DTSER", KEY_NUMMER);
+  const EigenTabel index("DTSER", KEY_NUMMER);
   const int velden = gevraagd.kleur == 0 ? 1 : gevraagd.volgnr == 0 ? 2 : 3;
   Groep g{index.icb, velden, gevraagde_serie(), {}, false};
   return kies_uit(g, nr);
@@ -181,14 +172,14 @@ bool zoek_model(ICB* icb, int velden, Serienr* nr) {
 }
 
 bool zoek_artg_model(Serienr* nr) {
-  const Index index("DTSER", KEY_MERK);
+  const EigenTabel index("DTSER", KEY_MERK);
   return zoek_model(index.icb, 3, nr);
 }
 
 bool zoek_merk_model(Serienr* nr) {
   gevraagd.artgroep = 0;
   if (!vul_modelindex(gevraagd.merk)) return false;
-  const Index index(privaat.r, KEY_NUMMER);
+  const EigenTabel index(privaat.r, KEY_NUMMER);
   return zoek_model(index.icb, 1, nr);
 }
 

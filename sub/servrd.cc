@@ -60,12 +60,10 @@ struct Beeld {
 
 uint16_t laatste_ontvangst() {
   uint16_t datum = 0;
-  if (ser_rec.blok1 < 0) return datum;
-  int32_t nummer = ser_rec.blok1;
-  Etiket e{};
-  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
-    const bool ontvangen = e.status >= ETI_VOORRAAD && e.status <= ETI_CORRECTIES;
-    if (ontvangen) datum = std::max(datum, e.ontdat);
+  for (EtiReeks r(ser_rec); r.volgende();) {
+    const uint8_t status = r.etiket.status;
+    if (status >= ETI_VOORRAAD && status <= ETI_CORRECTIES)
+      datum = std::max(datum, r.etiket.ontdat);
   }
   return datum;
 }

@@ -167,8 +167,8 @@ const MaatMatrix& svd_verkocht(int slot) {
 
 std::string svd_maattekst(int maat) {
   if (maat < 0 || maat >= static_cast<int>(advies.maten.size())) return "";
-  MaatRec rec{};
-  rec.maat = advies.maten[static_cast<size_t>(maat)];
-  if (adv_maten == nullptr || !mtread(adv_maten, 'R', &rec, 1)) return str_format("%3d", rec.maat);
+  MaatRec rec;
+  if (!mtzoek(adv_maten, advies.maten[static_cast<size_t>(maat)], &rec))
+    return str_format("%3d", rec.maat);
   return std::string(rec.tekst, strnlen(rec.tekst, sizeof rec.tekst));
 }
