@@ -5,12 +5,11 @@
 #include "isam/base.h"
 #include "main/iofil.h"
 #include "main/magazijn.h"
-#include "prt/prt.h"
 #include "scr/scr.h"
-#include "sub/ioeti.h"
 #include "sub/muteren.h"
 #include "tests/support/agent.h"
-#include "tests/support/keten.h"
+#include "tests/support/rapport.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -50,28 +49,12 @@ struct Magazijn : ::testing::Test {
   }
   static void etiketten(const Serienr& nr, int aantal, uint8_t status, uint8_t filiaal,
                         uint8_t reden = 0) {
-    ASSERT_TRUE(serie_wacht(nr));
-    for (int i = 0; i < aantal; ++i) {
-      Etiket e = proef_etiket(nr, status, 5, filiaal);
-      e.reden = reden;
-      int32_t nummer = 0;
-      ioeti('W', &nummer, &e);
-      if (ser_rec.blok1 < 0) ser_rec.blok1 = eti_blok(nummer);
-    }
-    serie_schrijf();
+    Etiket e = proef_etiket(nr, status, 5, filiaal);
+    e.reden = reden;
+    while (aantal-- > 0) proef_stuk(e);
   }
   static std::string lijst(int bladregels = 64) {
-    char* bytes = nullptr;
-    size_t n = 0;
-    FILE* uit = open_memstream(&bytes, &n);
-    prt_open_stil(uit, 132, bladregels);
-    locaties_druk();
-    print_close("");
-    fclose(uit);
-    std::string tekst(bytes, n);
-    free(bytes);
-    tekst = std::regex_replace(tekst, std::regex("\\d\\d-\\d\\d-\\d{4} \\d\\d:\\d\\d"),
-                               "DD-MM-JJJJ UU:MM");
+    std::string tekst = rapport(locaties_druk, bladregels);
     tekst = std::regex_replace(tekst, std::regex("-{132}"), "=132=");
     return std::regex_replace(tekst, std::regex(" +\n"), "\n");
   }
@@ -119,6 +102,18 @@ artikelgroep               locatie serienummer      NOT   VRD   INV merk        
   EXPECT_FALSE(file_exists("TP07L.TXT"));
   EXPECT_EQ(locaties_vul(2), 2);
   EXPECT_EQ(locaties_vul(7), 0);
+}
+
+/// A chain into another series, and one back into itself: those series are passed over.
+TEST_F(Magazijn, ChainsThatLeadAstray) {
+  for (uint16_t v = 1; v <= 3; ++v) {
+    serie({10100, 10, v}, "C2");
+    etiketten({10100, 10, v}, 1, ETI_VOORRAAD, 2);
+  }
+  proef_ketting(0, 1);
+  proef_ketting(2, 2);
+  EXPECT_EQ(locaties_vul(-1), 1);
+  EXPECT_NE(lijst().find("10100.10.2 "), std::string::npos);
 }
 
 TEST_F(Magazijn, PagesPerBranch) {

@@ -2,7 +2,6 @@
 // dies at each of its writes leaves, and the search list as a page.
 #include <cstring>
 #include <map>
-#include <regex>
 #include <set>
 
 #include "isam/io.h"
@@ -10,17 +9,16 @@
 #include "main/iofil.h"
 #include "main/saldo.h"
 #include "main/zoeklijst.h"
-#include "prt/prt.h"
 #include "scr/scr.h"
 #include "sub/adv_krit.h"
-#include "sub/ioeti.h"
 #include "sub/muteren.h"
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
 #include "tests/support/agent.h"
 #include "tests/support/beproeving.h"
-#include "tests/support/keten.h"
+#include "tests/support/rapport.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -65,16 +63,10 @@ struct Uitvoeren : ::testing::Test {
 
   static void etiketten(const Serienr& nr, int aantal, uint8_t maat, uint8_t filiaal,
                         uint8_t status = ETI_VOORRAAD, uint8_t doel = 0) {
-    ASSERT_TRUE(serie_wacht(nr));
-    for (int i = 0; i < aantal; ++i) {
-      Etiket e = proef_etiket(nr, status, maat, filiaal);
-      if (doel != 0) e.onderweg = 1;
-      e.doel = doel;
-      int32_t nummer = 0;
-      ioeti('W', &nummer, &e);
-      if (ser_rec.blok1 < 0) ser_rec.blok1 = eti_blok(nummer);
-    }
-    serie_schrijf();
+    Etiket e = proef_etiket(nr, status, maat, filiaal);
+    e.onderweg = doel != 0;
+    e.doel = doel;
+    while (aantal-- > 0) proef_stuk(e);
   }
   static void regel(int van, int naar, const Serienr& nr, const std::map<int, uint32_t>& per_maat,
                     uint32_t opdracht = 0) {
@@ -98,16 +90,15 @@ struct Uitvoeren : ::testing::Test {
     rec.nr = nr;
     IXSWITCH(dtser, 1);
     EXPECT_TRUE(IXREAD(dtser, &rec));
-    int32_t nummer = rec.blok1;
-    Etiket e{};
-    for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
+    for (EtiReeks r(rec); r.volgende();) {
+      const Etiket& e = r.etiket;
       std::string plaats = str_format("%d:%d", e.maat, e.filiaal);
       if (e.onderweg != 0) plaats += str_format(">%d", e.doel);
       if (e.status != ETI_VOORRAAD) plaats += str_format("/%d", e.status);
       ++t.waar[plaats];
       if (e.onderweg == 0) continue;
       ++t.onderweg;
-      t.nummers.insert(nummer);
+      t.nummers.insert(r.nummer);
     }
     return t;
   }
@@ -119,19 +110,8 @@ struct Uitvoeren : ::testing::Test {
     for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
     return uit;
   }
-  /// The search lists, with one date and time for all days.
   static std::string lijsten(const std::vector<Uitvoering>& orders, int bladregels = 64) {
-    char* bytes = nullptr;
-    size_t n = 0;
-    FILE* uit = open_memstream(&bytes, &n);
-    prt_open_stil(uit, 132, bladregels);
-    uitvoer_lijsten(orders);
-    print_close("");
-    fclose(uit);
-    std::string tekst(bytes, n);
-    free(bytes);
-    return std::regex_replace(tekst, std::regex("\\d\\d-\\d\\d-\\d{4} \\d\\d:\\d\\d"),
-                              "DD-MM-JJJJ UU:MM");
+    return rapport([&] { uitvoer_lijsten(orders); }, bladregels);
   }
 
   /// The command on a terminal; "terug" stands there when it is over.
@@ -250,20 +230,33 @@ TEST_F(Uitvoeren, WithoutTransitThePiecesAreThereAtOnceAndSizesTellNoTill) {
 /// The line is served in part; what it asked for is what is written off.
 TEST_F(Uitvoeren, WhatWasAskedForIsWrittenOff) {
   etiketten(BLOUSE, 1, 5, 0);
-  etiketten(BLOUSE, 3, 5, 3, ETI_VERKOPEN);
-  ASSERT_TRUE(serie_wacht(BLOUSE));
-  int32_t nummer = ser_rec.blok1;
-  serie_los();
-  Etiket e{};
-  for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) {
-    if (e.status != ETI_VERKOPEN) continue;
+  for (int i = 0; i < 3; ++i) {
+    Etiket e = proef_etiket(BLOUSE, ETI_VERKOPEN, 5, 3);
     e.vrkdat = date_today();
-    ioeti('W', &nummer, &e);
-    Keten::voeg(dtaanv, DtAanv{BLOUSE, static_cast<uint32_t>(nummer)});
+    Keten::voeg(dtaanv, DtAanv{BLOUSE, static_cast<uint32_t>(proef_stuk(e))});
   }
   regel(0, 3, BLOUSE, {{5, 2}});
   uitvoer_pas();
   EXPECT_EQ(alles<DtAanv>(dtaanv).size(), 1u);
+}
+
+/// The labels of the first series go on into the second's: its lines stay, the second's are served.
+TEST_F(Uitvoeren, AChainThatLeadsAstrayIsPassedOver) {
+  etiketten(BLOUSE, 2, 5, 0);
+  etiketten(BROEK, 2, 5, 0);
+  proef_ketting(0, 1);
+  for (const Serienr& nr : {BLOUSE, BROEK}) {
+    regel(0, 3, nr, {{5, 1}});
+    regel(0, 4, nr, {{5, 1}});
+  }
+  EXPECT_EQ(uitvoer_pas().size(), 2u);
+  const auto regels = alles<DtPick>(dtpick);
+  ASSERT_EQ(regels.size(), 2u);
+  EXPECT_TRUE(regels[0].nr == BLOUSE && regels[1].nr == BLOUSE);
+  EXPECT_EQ(alles<DtGo>(dtgo).size(), 2u);
+  EXPECT_EQ(tel(BROEK).onderweg, 2);
+  ASSERT_TRUE(serie_probeer(BLOUSE)) << "not locked any more";
+  serie_los();
 }
 
 TEST_F(Uitvoeren, TheSearchListIsAPageAPair) {
@@ -362,15 +355,7 @@ TEST_F(Uitvoeren, CancelledMutations) {
     IXWRITE(tabel, &r);
   }
   IXCLOSE(tabel);
-  char* bytes = nullptr;
-  size_t n = 0;
-  FILE* uit = open_memstream(&bytes, &n);
-  prt_open_stil(uit, 132, 64);
-  zoeklijst(OpdrachtSoort::geannuleerd, 0);
-  print_close("");
-  fclose(uit);
-  const std::string tekst(bytes, n);
-  free(bytes);
+  const std::string tekst = rapport([] { zoeklijst(OpdrachtSoort::geannuleerd, 0); });
   EXPECT_NE(tekst.find(" -> FILIAAL 3 "), std::string::npos) << tekst;
   EXPECT_EQ(tekst.find("MUTATIES"), std::string::npos);
   EXPECT_EQ(tekst.find("Opdrachtnummer"), std::string::npos);
@@ -416,7 +401,9 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
                               }).einde(30);
     ASSERT_TRUE(einde.empty() || einde == "signal 9") << einde;
     for (const char* naam : TABELLEN) {
-      if (IXCHECK(naam) < 0) ASSERT_EQ(IXBLDIX(naam), 1);
+      if (IXCHECK(naam) < 0) {
+        ASSERT_EQ(IXBLDIX(naam), 1);
+      }
     }
     keten.open();
     stel_in();
