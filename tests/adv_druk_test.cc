@@ -10,6 +10,7 @@
 #include "sub/adv_vul.h"
 #include "sub/pghdl.h"
 #include "tests/support/adv_keten.h"
+#include "tests/support/rapport.h"
 
 namespace {
 
@@ -27,23 +28,9 @@ struct Druk : AdvKeten {
     werktabellen_sluit();
     iofil('C', 0, nullptr);
   }
-  /// The pages of a report; the date and time of the heads are cut off.
-  template <class Doe>
-  static std::string druk(const Doe& doe, int regels = 64) {
-    char* bytes = nullptr;
-    size_t n = 0;
-    FILE* uit = open_memstream(&bytes, &n);
-    prt_open_stil(uit, 132, regels);
-    doe();
-    print_close("");
-    fclose(uit);
-    std::string tekst(bytes, n);
-    free(bytes);
-    return tekst;
-  }
   static std::string advies(bool (*doe)(), int regels = 64) {
     const AdvOpen open;
-    return druk(doe, regels);
+    return rapport(doe, regels);
   }
   /// The lines behind the first rule, blanks at their ends cut.
   static std::string lijst(const std::string& tekst) {
@@ -175,7 +162,7 @@ TEST_F(Druk, SalesPerBranchOfThePeriod) {
   verkoop(WEG, 4, "15032025", 7777);
   stuk(ROK, ETI_VOORRAAD, 1, 2);
   pg_remove(alle, 3);
-  const std::string tekst = druk([&] {
+  const std::string tekst = rapport([&] {
     EXPECT_TRUE(vrk_verkeer_druk(date_number("01032025"), date_number("31032025"), alle));
   });
   EXPECT_NE(tekst.find("VERKOPEN TBV FILIAALVERKEER"), std::string::npos);
@@ -185,7 +172,7 @@ TEST_F(Druk, SalesPerBranchOfThePeriod) {
             "   4 :        1.00        1  Filiaal 4\n"
             "       =========== +\n"
             "             31.50        3\n");
-  EXPECT_EQ(druk([&] { EXPECT_FALSE(vrk_verkeer_druk(1, 2, alle)); }), "");
+  EXPECT_EQ(rapport([&] { EXPECT_FALSE(vrk_verkeer_druk(1, 2, alle)); }), "");
 }
 
 /// The commands on a screen, which is the only destination there is.

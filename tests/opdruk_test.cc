@@ -13,6 +13,7 @@
 #include "prt/prt.h"
 #include "sub/pghdl.h"
 #include "tests/support/keten.h"
+#include "tests/support/rapport.h"
 
 namespace {
 
@@ -103,22 +104,8 @@ struct Opdruk : ::testing::Test {
     saldo_pass(static_cast<int>(soort));
     return druk(soort, bladregels);
   }
-  static std::string in_tekst(int bladregels, const std::function<void()>& werk) {
-    char* bytes = nullptr;
-    size_t n = 0;
-    FILE* uit = open_memstream(&bytes, &n);
-    prt_open_stil(uit, 132, bladregels);
-    werk();
-    print_close("");
-    fclose(uit);
-    std::string tekst(bytes, n);
-    free(bytes);
-    return tekst;
-  }
   static std::string druk(OpdrachtSoort soort, int bladregels) {
-    std::string tekst = in_tekst(bladregels, [soort] { opdruk_druk(soort); });
-    tekst = std::regex_replace(tekst, std::regex("\\d\\d-\\d\\d-\\d{4} \\d\\d:\\d\\d"),
-                               "DD-MM-JJJJ UU:MM");
+    std::string tekst = rapport([soort] { opdruk_druk(soort); }, bladregels);
     tekst = std::regex_replace(tekst, std::regex("-{132}"), "=132=");
     tekst = std::regex_replace(tekst, std::regex("\f"), "=blad=\n");
     return std::regex_replace(tekst, std::regex(" +\n"), "\n");
@@ -363,7 +350,7 @@ TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
 =132=
 VOOR FILIAAL  3  Filiaal 3                        TOT    5
 )");
-    EXPECT_NE(in_tekst(64, [] { saldo_druk(); }).find("Filiaal  3       0      5 stuks"),
+    EXPECT_NE(rapport([] { saldo_druk(); }).find("Filiaal  3       0      5 stuks"),
               std::string::npos);
   }
   IXINIT(dtpick);

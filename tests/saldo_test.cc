@@ -16,6 +16,7 @@
 #include "sub/pghdl.h"
 #include "sub/serie.h"
 #include "tests/support/keten.h"
+#include "tests/support/rapport.h"
 
 namespace {
 
@@ -68,15 +69,7 @@ struct Saldo : ::testing::Test {
   static std::string lijst(int mode) {
     verzamel_maak(privaat.tp, saldo_sort, saldo_splits);
     saldo_pass(mode);
-    char* bytes = nullptr;
-    size_t n = 0;
-    FILE* uit = open_memstream(&bytes, &n);
-    prt_open_stil(uit, 132, 64);
-    saldo_druk();
-    print_close("");
-    fclose(uit);
-    std::string tekst(bytes, n);
-    free(bytes);
+    const std::string tekst = rapport(saldo_druk);
     const size_t streep = tekst.find(std::string(132, '-') + "\n");
     return streep == std::string::npos ? tekst : tekst.substr(streep + 133);
   }
