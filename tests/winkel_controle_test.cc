@@ -4,8 +4,11 @@
 
 #include <cstdio>
 #include <cstring>
+#include <set>
 
 #include "isam/base.h"
+#include "prt/prt.h"
+#include "sub/datacom.h"
 #include "sub/ioeti_intern.h"
 #include "sub/muteren.h"
 #include "tests/support/adv_keten.h"
@@ -44,6 +47,73 @@ TEST(Controle, DemoChainsAreSound) {
     const Uitkomst u = winkel("status --controle -C " + keten);
     EXPECT_EQ(u.status, 0) << u.tekst;
     EXPECT_EQ(bevindingen(u), "geen bevindingen\n");
+  }
+}
+
+/// The codes of the signal list, by its words.
+std::set<int> opmerkingen(const std::string& lijst) {
+  constexpr const char* WOORDEN[] = {"Ongeldig filiaalnummer",
+                                     "Onbekend etiketnummer",
+                                     "Ongeldige status",
+                                     "Verkocht in filiaal",
+                                     "Gecorrigeerd in filiaal",
+                                     "Afwijkend verzend-filiaal",
+                                     "Reeds aanwezig in filiaal",
+                                     "Reeds onderweg",
+                                     "  Onderweg van",
+                                     "Serie onbekend (check!)",
+                                     "Inventarisatie",
+                                     "geen EAN-code",
+                                     "Serie met maatregistratie\n",
+                                     "stuks niet onderweg",
+                                     "stuks niet meer op voorraad",
+                                     "stuks te weinig voorraad",
+                                     "Geen maatregistratie. Maat",
+                                     "EAN-code onbekend",
+                                     "EAN-code van klein artikel"};
+  std::set<int> uit;
+  for (size_t i = 0; i < std::size(WOORDEN); ++i)
+    if (lijst.find(WOORDEN[i]) != std::string::npos) uit.insert(static_cast<int>(i) + 1);
+  return uit;
+}
+
+/// The run over what the tills of a demo chain reported; the list of it.
+std::string datacom(const std::string& map, bool schrijven) {
+  ProefKeten keten;  // for its handles alone
+  const InMap hier(map);
+  keten.open();
+  FILE* f = tmpfile();
+  prt_open_stil(f, 132, 0, false);
+  dc_loop(schrijven);
+  print_close("");
+  rewind(f);
+  std::string uit(1 << 20, '\0');
+  uit.resize(fread(uit.data(), 1, uit.size(), f));
+  fclose(f);
+  keten.sluit();
+  return uit;
+}
+
+TEST(Controle, TheTillsOfADemoChainReportEverything) {
+  const TempDir map;
+  for (const bool transit : {true, false}) {
+    for (const char* zaad : {"1", "2", "3"}) {
+      const std::string keten = map / (std::string(zaad) + (transit ? "t" : "z"));
+      ASSERT_EQ(winkel("demo --today 15032026 --seed " + std::string(zaad) + " -C " + keten +
+                       (transit ? "" : " --zonder-transit"))
+                    .status,
+                0);
+      std::set<int> soll;
+      for (int i = 1; i <= 19; ++i) soll.insert(i);
+      if (!transit)
+        for (const int i : {4, 5, 8, 9, 14, 15}) soll.erase(i);
+      const std::string lijst = datacom(keten, false);
+      EXPECT_EQ(opmerkingen(lijst), soll) << lijst;
+      EXPECT_EQ(bevindingen(winkel("status --controle -C " + keten)), "geen bevindingen\n");
+      EXPECT_EQ(opmerkingen(datacom(keten, true)), soll);
+      EXPECT_EQ(bevindingen(winkel("status --controle -C " + keten)), "geen bevindingen\n");
+      EXPECT_FALSE(fs::exists(keten + "/DTDCIF.TXT"));
+    }
   }
 }
 

@@ -145,6 +145,9 @@ struct KetenTelling {
 };
 /// Makes the chain in the current directory, which is empty.
 KetenTelling keten_schrijf(const Keten&);
+/// What the tills reported, into the chain that stands written in the current directory:
+/// DTDCIF.TXT, and the few transits and size codes that its remarks need.
+void keten_datacom(const Keten&);
 /// Reads the chain in the current directory back: counters against labels, tables against their
 /// indexes, labels in transit against the label store. The faults, none when it is sound.
 std::vector<std::string> keten_keur();

@@ -141,6 +141,7 @@ KetenTelling keten_schrijf(const Keten& k) {
   const KetenTelling telling = schrijf_series(k, &stand);
   for (const TabelDef& def : tabel_alle())
     if (IXBLDIX(def.name) != 1) winkel_fout(def.name, "de index kan niet gebouwd worden");
+  keten_datacom(k);
   schrijf_systeem(k, stand);
   return telling;
 }
