@@ -132,7 +132,8 @@ std::vector<MacRec> macro_alle() {
   ICB* icb = macro_open();
   if (icb == nullptr) return uit;
   MacRec rec{};
-  for (bool er = IXFIRSTR(icb, &rec); er; er = IXNEXT(icb, &rec)) {
+  int32_t nog = icb->record_count;  // an index that runs in a circle ends too
+  for (bool er = IXFIRSTR(icb, &rec); er && nog-- > 0; er = IXNEXT(icb, &rec)) {
     if (rec.user == macro_staat.gebruiker && macro_activerend(rec.key) == rec.key)
       uit.push_back(rec);
   }
