@@ -12,6 +12,7 @@
 #include "scr/scr.h"
 #include "sub/opdr_kies.h"
 #include "sub/pghdl.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -91,10 +92,7 @@ void wis_opdracht(uint32_t nummer) {
     if (r.opdrachtnr != nummer) continue;
     // The scan goes by the handle's record number, which a failed read for update loses.
     const int32_t plaats = dtpick->record_no;
-    if (IXREADL(dtpick, &r))
-      IXDELETE(dtpick, &r);
-    else
-      IXRELEASE(dtpick, &r);
+    verwijder(dtpick, r);
     dtpick->record_no = plaats;
   }
 }

@@ -17,7 +17,6 @@ namespace {
 
 constexpr int BREEDTE = 132;
 constexpr int TOTAAL = 48;  // columns in front of the totals of the extensive list
-constexpr int EINDELOOS = 9999;
 
 template <size_t N>
 std::string veld(const char (&v)[N]) {
@@ -77,8 +76,7 @@ void kop(ControleLijst& l) {
 }  // namespace
 
 bool controle_ruimte(ControleLijst& l, int regels) {
-  const int bladzij = prt_rec.page_lines > 0 ? prt_rec.page_lines : EINDELOOS;
-  if (prt_rec.line_no + regels - 1 <= bladzij) return false;
+  if (!print_vol(regels)) return false;
   kop(l);
   return true;
 }
@@ -156,14 +154,14 @@ bool controle_lijst(const ControleVraag& vraag) {
     const Controle vorige = l.rij;
     meer = druk_serie(l);
     const bool einde = !meer || !zelfde_groep(l, l.rij, vorige);
-    if (einde && vraag.uitgebreid && l.gedrukt && zelfde_groep(l, l.groep, vorige)) {
-      controle_ruimte(l, 1);
+    const bool gedrukt = l.gedrukt && zelfde_groep(l, l.groep, vorige);
+    if (einde && vraag.uitgebreid && gedrukt && !print_vol()) {  // the foot of a full page will do
       print_rep(BREEDTE, '=');
       print_nl();
     }
   }
   if (l.gedrukt && !vraag.verschillen) druk_totaal(l);
-  if (l.maten != nullptr) mtclose(l.maten);
+  mtlos(&l.maten);
   IXCLOSE(tabel);
   return l.gedrukt;
 }

@@ -60,21 +60,16 @@ void lees_stam(ControleLijst& l, const Controle& c) {
   }
   lees_artikel(dtart, &art_rec, ser_rec.nr.artgroep);
   if (!lees_merk(dtmerk, &merk_rec, ser_rec.merk)) std::ranges::copy(c.merk, merk_rec.zoeknaam);
-  const bool leesbaar = maat_land() != 0 && ser_rec.maatsoort != 0;
-  if (leesbaar) mtkeep(&l.maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
+  mtserie(&l.maten, ser_rec);
   l.balk.clear();
-  MaatRec m{};
-  for (bool er = leesbaar && mtread(l.maten, 'F', &m, 4); er && l.balk.size() < MATEN;
-       er = mtread(l.maten, 'N', &m, 4)) {
-    l.balk.push_back({m.maat, veld(m.tekst)});
-  }
+  for (const MaatRec& m : mtlijst(l.maten)) l.balk.push_back({m.maat, veld(m.tekst)});
   // Pieces of sizes that the series does not have, or no longer, are not hidden.
   for (uint8_t i = 1; i < MATEN; ++i) {
     const bool staat =
         std::ranges::any_of(l.balk, [i](const ControleKolom& k) { return k.maat == i; });
     if (staat || (l.opdracht.back()[i] == 0 && l.verzonden.back()[i] == 0)) continue;
-    m.maat = i;
-    l.balk.push_back({i, leesbaar && mtread(l.maten, 'R', &m, 1) ? veld(m.tekst) : ""});
+    MaatRec m;
+    l.balk.push_back({i, mtzoek(l.maten, i, &m) ? veld(m.tekst) : ""});
   }
 }
 
@@ -170,12 +165,21 @@ struct Blok {
     aantallen(T_CTR_OPDR, l.opdracht[f], stap);
     aantallen(T_CTR_VERZ, l.verzonden[f], stap);
   }
+  bool verschilt_hier(size_t f, int stap) const {
+    return std::ranges::any_of(kolommen(stap),
+                               [&](const ControleKolom& k) { return verschil(l, f, k.maat) != 0; });
+  }
+  /// The branches that differ. In the first step all of them, with their totals; beside further
+  /// sizes those that differ there.
   void stap(int nummer) {
-    bool eerste = nummer > 0;  // the first bar stands beside the description
+    bool balk_nodig = nummer > 0;  // the first bar stands beside the description
     for (size_t f = 0; f < aantal_filialen(l); ++f) {
-      if (!controle_verschilt(l, f)) continue;
-      if (eerste && !controle_ruimte(l, 4)) balkregel(nummer);
-      eerste = false;
+      if (!controle_verschilt(l, f) || (nummer > 0 && !verschilt_hier(f, nummer))) continue;
+      if (balk_nodig) {
+        controle_ruimte(l, 4);
+        balkregel(nummer);
+      }
+      balk_nodig = false;
       filiaal(f, nummer);
     }
   }

@@ -16,6 +16,7 @@
 #include "sub/ioeti.h"
 #include "sub/leesstam.h"
 #include "sub/tabeldef.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -88,14 +89,12 @@ void neem_regel(Vul& vul, const DtPick& r) {
 
 bool vul_opdracht(Vul& vul) {
   toon_deel(vul, T_CTR_VERZAMELOPDRACHT);
-  const int sleutel = dtpick->block.key_number;
-  IXSWITCH(dtpick, PICK_SERIE);
+  const OpSleutel sleutel(dtpick, PICK_SERIE);
   DtPick r{};
   r.vanfil = vul.vraag.opdracht.vanfil;
   for (bool er = IXFIRSTR(dtpick, &r, 1); er && !scr_interrupted(); er = IXNEXT(dtpick, &r, 1)) {
     neem_regel(vul, r);
   }
-  IXSWITCH(dtpick, sleutel);
   return !scr_interrupted();
 }
 

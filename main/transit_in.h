@@ -10,17 +10,6 @@
 #include "sub/records.h"
 
 struct BrwRec;
-struct ICB;
-
-/// Puts a table on a key for the scope.
-struct TransitSleutel {
-  TransitSleutel(ICB* tabel, int nummer);
-  ~TransitSleutel();
-  TransitSleutel(const TransitSleutel&) = delete;
-  TransitSleutel& operator=(const TransitSleutel&) = delete;
-  ICB* icb;
-  int oud;
-};
 
 /// What a cancellation is limited to; 0 and empty: any.
 struct AnnulGrens {

@@ -14,6 +14,7 @@
 #include "scr/scr.h"
 #include "sub/leesstam.h"
 #include "sub/opdr_kies.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "sub/zoek_lijst.h"
 
@@ -71,7 +72,7 @@ void voeg(Inzage& inzage, Rij rij) {
 void verzamel(Inzage& inzage) {
   const OpdrKeuze& o = inzage.opdracht;
   {
-    const TransitSleutel sleutel(dtpick, PICK_VAN);
+    const OpSleutel sleutel(dtpick, PICK_VAN);
     DtPick r{};
     r.vanfil = o.vanfil;
     for (bool er = IXFIRSTR(dtpick, &r, 1); er; er = IXNEXT(dtpick, &r, 1)) {
@@ -81,7 +82,7 @@ void verzamel(Inzage& inzage) {
       voeg(inzage, {"", r.nr, r.vanfil, r.naarfil, stuks, 0, 0, false});
     }
   }
-  const TransitSleutel sleutel(dtgo, GO_PAREN);
+  const OpSleutel sleutel(dtgo, GO_PAREN);
   DtGo r{};
   r.vanfil = o.vanfil;
   for (bool er = IXFIRSTR(dtgo, &r, 1); er; er = IXNEXT(dtgo, &r, 1)) {

@@ -12,14 +12,8 @@
 #include "sub/iomaat.h"
 #include "sub/leesstam.h"
 #include "sub/pghdl.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
-
-TransitSleutel::TransitSleutel(ICB* tabel, int nummer) : icb(tabel), oud(tabel->block.key_number) {
-  IXSWITCH(icb, nummer);
-}
-TransitSleutel::~TransitSleutel() {
-  if (oud > 0) IXSWITCH(icb, oud);
-}
 
 bool onderweg_op(const Etiket& e, uint8_t van, uint8_t naar) {
   return e.onderweg != 0 && e.filiaal == van && e.doel == naar;
@@ -34,9 +28,7 @@ constexpr const char* SORTERING = "AKV";
 
 /// Master data of a series, read once as long as the rows are of the same one.
 struct Serie {
-  ~Serie() {
-    if (maten != nullptr) mtclose(maten);
-  }
+  ~Serie() { mtlos(&maten); }
   Serie() = default;
   Serie(const Serie&) = delete;
   Serie& operator=(const Serie&) = delete;
@@ -49,12 +41,9 @@ struct Serie {
     er = lees_serie(dtser_opzoek, &ser_rec, nr);
     if (!er) return false;
     if (!lees_merk(dtmerk, &merk_rec, ser_rec.merk)) merk_rec = {};
-    if (maat_land() != 0 && ser_rec.maatsoort != 0) {
-      mtkeep(&maten, maat_land(), ser_rec.maatsoort, ser_rec.maten);
-    }
+    mtserie(&maten, ser_rec);
     return true;
   }
-  MaatHandle* van_serie() const { return ser_rec.maatsoort != 0 ? maten : nullptr; }
 
   Serienr nr{};
   bool gelezen = false, er = false;
@@ -107,7 +96,7 @@ bool annul_wil(const AnnulGrens& g, const DtGo& go) {
 
 /// True when the branches have settled this send: its last financial line says so.
 bool afgerekend(const DtGo& go) {
-  const TransitSleutel sleutel(dtfin, 1);
+  const OpSleutel sleutel(dtfin, 1);
   DtFin fin{};
   fin.vanfil = go.vanfil;
   fin.naarfil = go.naarfil;
@@ -137,7 +126,7 @@ void annul_neem(Vul& vul, const AnnulGrens& g, const DtGo& go) {
   Etiket e{};
   if (!annul_wil(g, go) || !lees_label(go, &nummer, &e) || !annul_staat(go, e)) return;
   if (afgerekend(go) || !vul.serie.lees(go.nr)) return;
-  const Zoekregel r = zoek_regel(go, nummer, e, vul.serie.van_serie());
+  const Zoekregel r = zoek_regel(go, nummer, e, vul.serie.maten);
   if (g.maat.empty() || zonder_blanks(r.maattekst, sizeof r.maattekst) == g.maat) vul.voeg(r);
 }
 
@@ -156,7 +145,7 @@ void nontv_neem(Vul& vul, const NontvGrens& g, const DtGo& go) {
   int32_t nummer;
   Etiket e{};
   if (!nontv_wil(g, go) || !lees_label(go, &nummer, &e) || !vul.serie.lees(e.nr)) return;
-  Zoekregel r = zoek_regel(go, nummer, e, vul.serie.van_serie());
+  Zoekregel r = zoek_regel(go, nummer, e, vul.serie.maten);
   if (!onderweg_op(e, go.vanfil, go.naarfil)) {
     r.status = e.status;
     r.filiaal = e.filiaal;
@@ -169,7 +158,7 @@ void nontv_neem(Vul& vul, const NontvGrens& g, const DtGo& go) {
 
 int annul_vul(const AnnulGrens& g) {
   Vul vul(ZoekTabel::annul);
-  const TransitSleutel sleutel(dtgo, GO_PAREN);
+  const OpSleutel sleutel(dtgo, GO_PAREN);
   DtGo go{};
   go.vanfil = g.vanfil;
   for (bool er = IXFIRSTR(dtgo, &go, 1); er && !vul.breekt_af(); er = IXNEXT(dtgo, &go, 1)) {
@@ -183,7 +172,7 @@ int annul_vul(const AnnulGrens& g) {
 
 int nontv_vul(const NontvGrens& g) {
   Vul vul(g.document ? ZoekTabel::nontv_document : ZoekTabel::nontv);
-  const TransitSleutel sleutel(dtgo, GO_PAREN);
+  const OpSleutel sleutel(dtgo, GO_PAREN);
   DtGo go{};
   for (bool er = IXFIRSTR(dtgo, &go); er && !vul.breekt_af(); er = IXNEXT(dtgo, &go)) {
     if (!pg_test(g.van, go.vanfil))

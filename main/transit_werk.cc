@@ -17,6 +17,7 @@
 #include "main/transit_in.h"
 #include "sub/ioeti.h"
 #include "sub/muteren.h"
+#include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 
 namespace {
@@ -89,7 +90,7 @@ void zet_neer(Geval& g, uint8_t filiaal) {
 
 /// True when the label's last financial line is that of the send.
 bool geboekt(const Geval& g) {
-  const TransitSleutel sleutel(dtfin, FIN_ETIKET);
+  const OpSleutel sleutel(dtfin, FIN_ETIKET);
   DtFin fin{};
   fin.etiket = g.regel.etiket;
   fin.datum = UINT16_MAX;
