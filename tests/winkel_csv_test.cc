@@ -178,6 +178,14 @@ TEST_F(Csv, ASecondKeyOfAnotherRecord) {
 }
 
 TEST_F(Csv, TransactionsGoBehindWhatStandsThere) {
+  const std::string was = bytes_van(pad(DC_BESTAND));
+  ASSERT_GT(was.size(), 40u * 28);
+  for (const char* vorm : {"", "--json"}) {
+    ASSERT_EQ(uit("DTDCIF", vorm).status, 0);
+    fs::remove(pad(DC_BESTAND));
+    EXPECT_EQ(in("DTDCIF").status, 0);
+    EXPECT_TRUE(bytes_van(pad(DC_BESTAND)) == was);
+  }
   const std::string een =
       "vanfil;naarfil;datum;code;soort;stuks;nummer\n1;2;15-03-2026;2000000000015;1;;20000011\n";
   zet_bytes(pad(DC_BESTAND), std::string(28, '\1') + std::string(28, '\0') + "half");
