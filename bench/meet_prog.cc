@@ -14,6 +14,7 @@
 
 #include "bench/advies_helling.h"
 #include "bench/advies_meet.h"
+#include "bench/dc_meet.h"
 #include "bench/gegevens.h"
 #include "bench/machine.h"
 #include "bench/partij.h"
@@ -306,6 +307,11 @@ std::vector<Rij> alles() {
     rijen.push_back(merk_meet(opzet.saldo / 20));
   }
   if (opzet.doen(12)) rijen.push_back(advies_rij());
+  if (opzet.doen(13)) {
+    naar("datacom");
+    zeg("datacom");
+    rijen.push_back(dc_meet(1000000 / opzet.saldo));
+  }
   if (opzet.doen(13)) {
     naar("helling");
     zeg("the advice over a chain");
