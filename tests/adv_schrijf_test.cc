@@ -9,7 +9,7 @@
 #include "sub/adv_vul_intern.h"
 #include "sub/advies.h"
 #include "sub/tabeldef.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
@@ -42,21 +42,10 @@ struct AdvSchrijf : ::testing::Test {
                 0, n};
     IXWRITE(tpck, &rec);
   }
-  static void regel(const Serienr& nr, int van, int naar, uint32_t opdracht, uint32_t stuks) {
-    DtPick rec{};
-    rec.nr = nr;
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.opdrachtnr = opdracht;
-    rec.aantal[1] = stuks;
-    rec.orderdatum = opdracht != 0 ? 46000 : 0;
-    IXWRITE(dtpick, &rec);
-  }
   /// All lines in key order, "from>to/size=pieces", an order number behind "#".
   static std::string regels() {
     std::string uit;
-    DtPick rec{};
-    for (bool er = IXFIRSTR(dtpick, &rec); er; er = IXNEXT(dtpick, &rec)) {
+    for (const DtPick& rec : proef_inhoud<DtPick>(dtpick)) {
       uit += str_format("%s %d>%d", uit.empty() ? "" : ",", rec.vanfil, rec.naarfil);
       if (!(rec.nr == BLOUSE)) uit += str_format("@%ld", uint32_t{rec.nr.artgroep});
       if (rec.opdrachtnr != 0) uit += str_format("#%ld", uint32_t{rec.opdrachtnr});
@@ -67,8 +56,7 @@ struct AdvSchrijf : ::testing::Test {
   }
   static std::map<Lijn, int64_t> lijnen() {
     std::map<Lijn, int64_t> uit;
-    DtPick rec{};
-    for (bool er = IXFIRSTR(dtpick, &rec); er; er = IXNEXT(dtpick, &rec)) {
+    for (const DtPick& rec : proef_inhoud<DtPick>(dtpick)) {
       EXPECT_EQ(rec.aantal[0], 0u);
       EXPECT_TRUE(rec.nr == BLOUSE && rec.opdrachtnr == 0 && rec.orderdatum == 0);
       for (int m = 1; m < MATEN; ++m)
@@ -130,9 +118,9 @@ TEST_F(AdvSchrijf, EnormousQuantitiesTakeOneStep) {
 }
 
 TEST_F(AdvSchrijf, ALineIsAddedToTheProvisionalOneOfItsPair) {
-  regel(BLOUSE, 1, 2, 0, 4);
-  regel(BLOUSE, 1, 2, 20000011, 8);
-  regel(BROEK, 1, 2, 0, 16);
+  proef_regel(1, 2, BLOUSE, {{1, 4}});
+  proef_regel(1, 2, BLOUSE, {{1, 8}}, 20000011);
+  proef_regel(1, 2, BROEK, {{1, 16}});
   std::array<uint32_t, MATEN> rij{};
   rij[1] = 1;
   rij[95] = 2;
@@ -144,10 +132,10 @@ TEST_F(AdvSchrijf, ALineIsAddedToTheProvisionalOneOfItsPair) {
 TEST_F(AdvSchrijf, OnlyProvisionalLinesOfTheSeriesAreDeleted) {
   for (int van = 0; van < 3; ++van)
     for (const uint32_t opdracht : {0u, 20000011u, 20000028u}) {
-      regel(BLOUSE, van, 5, opdracht, 1);
-      if (van == 1) regel(BROEK, van, 5, opdracht, 1);
+      proef_regel(van, 5, BLOUSE, {{1, 1}}, opdracht);
+      if (van == 1) proef_regel(van, 5, BROEK, {{1, 1}}, opdracht);
     }
-  regel(BLOUSE, 1, 6, 0, 1);
+  proef_regel(1, 6, BLOUSE, {{1, 1}});
   opdrachten_wissen(BLOUSE);
   EXPECT_EQ(regels(),
             " 0>5#20000011/1=1, 0>5#20000028/1=1, 1>5#20000011/1=1, 1>5#20000028/1=1, "
@@ -156,13 +144,9 @@ TEST_F(AdvSchrijf, OnlyProvisionalLinesOfTheSeriesAreDeleted) {
   for (uint32_t label = 1; label < 40; ++label)
     Keten::voeg(dtaanv, DtAanv{label % 2 != 0 ? BLOUSE : BROEK, label});
   aanvul_wissen(BLOUSE);
-  int over = 0;
-  DtAanv rec{};
-  for (bool er = IXFIRSTR(dtaanv, &rec); er; er = IXNEXT(dtaanv, &rec)) {
-    EXPECT_TRUE(rec.nr == BROEK);
-    ++over;
-  }
-  EXPECT_EQ(over, 19);
+  const auto over = proef_inhoud<DtAanv>(dtaanv);
+  EXPECT_EQ(over.size(), 19u);
+  for (const DtAanv& rec : over) EXPECT_TRUE(rec.nr == BROEK);
   EXPECT_EQ(IXCHECK("DTPICK"), 4) << "nothing but deleted slots";
 }
 

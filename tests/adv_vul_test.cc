@@ -20,7 +20,7 @@
 #include "sub/pghdl.h"
 #include "tests/support/agent.h"
 #include "tests/support/beproeving.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 
 namespace {
 int geheugen_over = -1;  // large allocations until one fails, -1 never
@@ -89,18 +89,7 @@ struct AdvVul : ::testing::Test {
     lees(nr);
     return adv_vul();
   }
-  static uint32_t etiket(Etiket e) {
-    int32_t nummer = 0;
-    ioeti('W', &nummer, &e);
-    DtSer rec{};
-    rec.nr = e.nr;
-    IXREAD(dtser, &rec);
-    if (rec.blok1 < 0) {
-      rec.blok1 = eti_blok(nummer);
-      IXWRITE(dtser, &rec);
-    }
-    return static_cast<uint32_t>(nummer);
-  }
+  static uint32_t etiket(const Etiket& e) { return static_cast<uint32_t>(proef_stuk(e)); }
   static uint32_t etiket(const Serienr& nr, uint8_t status, uint8_t maat, uint8_t filiaal,
                          uint16_t datum = 0) {
     Etiket e = proef_etiket(nr, status, maat, filiaal);
@@ -119,16 +108,6 @@ struct AdvVul : ::testing::Test {
     go.afgewerkt = afgewerkt;
     Keten::voeg(dtgo, go);
   }
-  static void regel(const Serienr& nr, int van, int naar, uint32_t opdracht,
-                    std::initializer_list<std::pair<int, uint32_t>> aantallen) {
-    DtPick rec{};
-    rec.nr = nr;
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.opdrachtnr = opdracht;
-    for (const auto& [maat, n] : aantallen) rec.aantal[maat] = n;
-    Keten::voeg(dtpick, rec);
-  }
   /// The cells that are not zero, "branch/size=pieces", T the chain and the sum.
   static std::string toon(const MaatMatrix& m) {
     std::string uit;
@@ -141,16 +120,9 @@ struct AdvVul : ::testing::Test {
       }
     return uit;
   }
-  template <class Rec>
-  static std::vector<Rec> inhoud(ICB* tabel) {
-    std::vector<Rec> uit;
-    Rec rec{};
-    for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
-    return uit;
-  }
   static std::string toon_tpck() {
     std::string uit;
-    for (const TpckRec& r : inhoud<TpckRec>(tpck))
+    for (const TpckRec& r : proef_inhoud<TpckRec>(tpck))
       uit += str_format("%d>%d/%d=%d ", r.vanfil, r.naarfil, r.maat, r.aantal);
     return uit;
   }
@@ -192,11 +164,11 @@ TEST_F(AdvVul, OrdersCountByWhatIsStillToGo) {
   const uint32_t drie = etiket(BLOUSE, ETI_VOORRAAD, 2, 3);
   const uint32_t vier = etiket(BLOUSE, ETI_VOORRAAD, 4, 3),
                  vijf = etiket(BLOUSE, ETI_VOORRAAD, 1, 3);
-  regel(BLOUSE, 0, 3, ORDER, {{1, 5}, {2, 1}, {95, 4}});
-  regel(BLOUSE, 0, 3, ANDERE_ORDER, {{1, 7}});
-  regel(BLOUSE, 2, 4, 0, {{1, 3}, {95, 2}});
-  regel(BLOUSE, 4, 2, 0, {{1, 1}});
-  regel(BROEK, 2, 4, 0, {{1, 9}});
+  proef_regel(0, 3, BLOUSE, {{1, 5}, {2, 1}, {95, 4}}, ORDER);
+  proef_regel(0, 3, BLOUSE, {{1, 7}}, ANDERE_ORDER);
+  proef_regel(2, 4, BLOUSE, {{1, 3}, {95, 2}});
+  proef_regel(4, 2, BLOUSE, {{1, 1}});
+  proef_regel(2, 4, BROEK, {{1, 9}});
   onderweg(BLOUSE, een, 0, 3, ORDER);
   onderweg(BLOUSE, twee, 0, 3, ORDER, 1);  // finished
   onderweg(BLOUSE, drie, 0, 3, ORDER);
@@ -208,7 +180,7 @@ TEST_F(AdvVul, OrdersCountByWhatIsStillToGo) {
   EXPECT_EQ(toon(advies.m_in), "3/T=15 3/1=11 3/95=4 T/T=15 T/1=11 T/95=4 ");
   EXPECT_EQ(toon(advies.m_voorlopig), "2/T=-4 2/1=-2 2/95=-2 4/T=4 4/1=2 4/95=2 ");
   EXPECT_EQ(toon_tpck(), "2>4/1=3 2>4/95=2 4>2/1=1 ");
-  const auto geteld = inhoud<DtPick>(tmpgo);
+  const auto geteld = proef_inhoud<DtPick>(tmpgo);
   ASSERT_EQ(geteld.size(), 1u);
   EXPECT_EQ(geteld[0].opdrachtnr, ORDER);
   EXPECT_EQ(geteld[0].vanfil * 1000 + geteld[0].naarfil, 3);
@@ -218,7 +190,7 @@ TEST_F(AdvVul, OrdersCountByWhatIsStillToGo) {
   // The next series has none of that, and the one after it writes nothing at all.
   ASSERT_TRUE(vul(BROEK));
   EXPECT_EQ(toon_tpck(), "2>4/1=9 ");
-  EXPECT_TRUE(inhoud<DtPick>(tmpgo).empty());
+  EXPECT_TRUE(proef_inhoud<DtPick>(tmpgo).empty());
   ASSERT_TRUE(vul(JAS));
   EXPECT_EQ(toon_tpck() + toon(advies.m_uit) + toon(advies.m_voorlopig), "");
   const uint64_t geschreven = io_proef.geschreven;
@@ -268,7 +240,7 @@ TEST_F(AdvVul, TheChainIsReadOnceWhateverRefersToIt) {
   EXPECT_EQ(eti_gelezen, 20);
   EXPECT_EQ(toon(advies.m_aanvul),
             "0/T=50 0/1=50 1/T=50 1/1=50 2/T=50 2/1=50 3/T=50 3/1=50 T/T=200 T/1=200 ");
-  EXPECT_EQ(inhoud<DtPick>(tmpgo).at(0).aantal[1], 200u);
+  EXPECT_EQ(proef_inhoud<DtPick>(tmpgo).at(0).aantal[1], 200u);
 }
 
 TEST_F(AdvVul, MastersComeWithTheSeries) {
@@ -308,27 +280,24 @@ TEST_F(AdvVul, AChainThatPointsWrongIsNotWhole) {
   const uint32_t vreemd = etiket(BROEK, ETI_VOORRAAD, 1, 1);
   ASSERT_TRUE(vul(BLOUSE));
   EXPECT_EQ(advies.m_voorraad.back()[0], 25);
-  const auto wijs = [](int32_t van, int32_t naar) {
-    io_schrijf(eti.fd, &naar, sizeof naar, int64_t{van} * 376 + 12);
-  };
   for (const int32_t doel : {0, 1, 2, eti_blok(static_cast<int32_t>(vreemd))}) {
-    wijs(2, doel);
+    proef_ketting(2, doel);
     EXPECT_FALSE(vul(BLOUSE)) << "to block " << doel;
   }
-  wijs(2, -1);
+  proef_ketting(2, -1);
   EXPECT_TRUE(vul(BLOUSE));
   // A block that was given back: no labels in it, but not the end of this series either.
   const std::string nullen(376, '\0');
   io_schrijf(eti.fd, nullen.data(), nullen.size(), int64_t{2} * 376);
-  wijs(2, -1);
+  proef_ketting(2, -1);
   EXPECT_FALSE(vul(BLOUSE));
 }
 
 TEST_F(AdvVul, NumbersOutOfBoundsTouchNothing) {
   for (const uint8_t filiaal : {uint8_t{12}, uint8_t{250}, uint8_t{255}}) {
     etiket(BLOUSE, ETI_VOORRAAD, 1, filiaal);
-    regel(BLOUSE, 1, filiaal, 0, {{1, 1}});
-    regel(BLOUSE, filiaal, 1, ORDER, {{1, 1}});
+    proef_regel(1, filiaal, BLOUSE, {{1, 1}});
+    proef_regel(filiaal, 1, BLOUSE, {{1, 1}}, ORDER);
   }
   etiket(BLOUSE, ETI_VOORRAAD, 0, 1);
   const uint32_t label = etiket(BLOUSE, ETI_VOORRAAD, 1, 1);
@@ -338,7 +307,7 @@ TEST_F(AdvVul, NumbersOutOfBoundsTouchNothing) {
   reis.onderweg = 1;
   reis.doel = 200;
   etiket(reis);
-  regel(BLOUSE, 1, 2, 0, {{1, UINT32_MAX}});
+  proef_regel(1, 2, BLOUSE, {{1, UINT32_MAX}});
   ASSERT_TRUE(vul(BLOUSE));
   EXPECT_EQ(toon(advies.m_voorraad), "3/T=1 3/1=1 T/T=1 T/1=1 ");
   EXPECT_EQ(toon(advies.m_uit), "3/T=1 3/1=1 T/T=1 T/1=1 ");
@@ -401,8 +370,8 @@ struct AdvLoopTest : AdvVul {
 
 TEST_F(AdvLoopTest, StopsAtWhatPassesAndHoldsOnlyThat) {
   etiket(BROEK, ETI_NOTA, 1, 1);
-  regel(JAS, 1, 2, ORDER, {{1, 1}});
-  regel(JAS, 1, 2, 0, {{1, 1}});
+  proef_regel(1, 2, JAS, {{1, 1}}, ORDER);
+  proef_regel(1, 2, JAS, {{1, 1}});
   const AdvLoop loop{dtser, ADV_MUTATIES};
   ser_rec = {};
   EXPECT_EQ(stap(loop), "10100.10.1");
@@ -452,16 +421,15 @@ TEST_F(AdvLoopTest, ByHandOnlyWhatHasReplenishmentInformation) {
   ser_rec.nr = NIEUW;
   EXPECT_TRUE(adv_neem(ADV_HANDMATIG, false)) << "asked for by number";
   serie_los();
-  EXPECT_EQ(inhoud<DtAanv>(dtaanv).size(), 4u);
+  EXPECT_EQ(proef_inhoud<DtAanv>(dtaanv).size(), 4u);
   ser_rec = {};
   ser_rec.nr = WEG;
   EXPECT_FALSE(adv_neem(ADV_HANDMATIG, true));
-  EXPECT_EQ(inhoud<DtAanv>(dtaanv).size(), 2u) << "its information goes with it";
+  EXPECT_EQ(proef_inhoud<DtAanv>(dtaanv).size(), 2u) << "its information goes with it";
 }
 
 TEST_F(AdvLoopTest, WhatCannotBeReadWholeIsPassedOver) {
-  const int32_t vreemd = 2;
-  io_schrijf(eti.fd, &vreemd, sizeof vreemd, 1 * 376 + 12);  // the second series into the third
+  proef_ketting(1, 2);  // the second series into the third
   static std::string gemeld;
   gemeld.clear();
   const auto regel_was = ix_hooks.regel;

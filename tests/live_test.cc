@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -16,52 +15,23 @@
 #include "main/iotab.h"
 #include "sub/records.h"
 #include "tests/support/agent.h"
-#include "tests/support/bestand.h"
+#include "tests/support/demo.h"
 #include "tests/support/terminal.h"
-#include "tests/support/tijdelijk.h"
 
 namespace {
 
 constexpr int FILIALEN = 12;
 
-template <class Rec>
-std::vector<Rec> records(const std::string& pad) {
-  const std::string b = bytes_van(pad);
-  std::vector<Rec> uit;
-  for (size_t i = 0; i + sizeof(Rec) <= b.size(); i += sizeof(Rec)) {
-    Rec rec;
-    memcpy(&rec, b.data() + i, sizeof rec);
-    const auto* p = reinterpret_cast<const uint8_t*>(&rec);
-    if (p[0] == 255 && std::all_of(p + 5, p + sizeof rec, [](uint8_t c) { return c == 255; }))
-      continue;
-    uit.push_back(rec);
-  }
-  return uit;
-}
-
-/// A demo chain; the files are made once for the program and copied for each test.
-struct DemoKeten {
-  TempDir map;
-  DemoKeten() {
-    static const TempDir moeder;
-    if (!std::filesystem::exists(moeder / "DTSYS.TXT")) {
-      const std::string maak =
-          BUILD_DIR "/tools/winkel demo --seed 7 --today 22112026 -C " + moeder.pad;
-      EXPECT_EQ(std::system((maak + " >/dev/null").c_str()), 0);
-    }
-    std::filesystem::copy(moeder.pad, map.pad,
-                          std::filesystem::copy_options::recursive |
-                              std::filesystem::copy_options::overwrite_existing);
-  }
-  std::string operator/(const char* naam) const { return map.pad + "/" + naam; }
+struct DemoKeten : DemoMap {
+  DemoKeten() : DemoMap(7) {}
 
   /// The balance by hand: pieces out and in of provisional lines, of one brand or of all (0).
   std::string saldo(uint16_t merk = 0) const {
     std::map<std::array<uint32_t, 3>, uint16_t> merken;
-    for (const DtSer& s : records<DtSer>(*this / "DTSER.TXT"))
+    for (const DtSer& s : records<DtSer>("DTSER.TXT"))
       merken[{s.nr.artgroep, s.nr.kleur, s.nr.volgnr}] = s.merk;
     std::array<uint32_t, FILIALEN> uit{}, in{};
-    for (const DtPick& r : records<DtPick>(*this / "DTPICK.TXT")) {
+    for (const DtPick& r : records<DtPick>("DTPICK.TXT")) {
       const auto serie = merken.find({r.nr.artgroep, r.nr.kleur, r.nr.volgnr});
       if (r.opdrachtnr != 0 || serie == merken.end() || (merk != 0 && serie->second != merk))
         continue;
@@ -85,9 +55,9 @@ struct DemoKeten {
   uint16_t merk() const {
     std::map<uint16_t, int> aantal;
     std::map<std::array<uint32_t, 3>, uint16_t> merken;
-    for (const DtSer& s : records<DtSer>(*this / "DTSER.TXT"))
+    for (const DtSer& s : records<DtSer>("DTSER.TXT"))
       merken[{s.nr.artgroep, s.nr.kleur, s.nr.volgnr}] = s.merk;
-    for (const DtPick& r : records<DtPick>(*this / "DTPICK.TXT"))
+    for (const DtPick& r : records<DtPick>("DTPICK.TXT"))
       if (r.opdrachtnr == 0) ++aantal[merken[{r.nr.artgroep, r.nr.kleur, r.nr.volgnr}]];
     uint16_t beste = 0;
     for (const auto& [nummer, n] : aantal)

@@ -13,8 +13,8 @@
 #include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
 #include "tests/support/agent.h"
-#include "tests/support/keten.h"
 #include "tests/support/print_proef.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -28,23 +28,13 @@ struct Opdracht : ::testing::Test {
   void SetUp() override {
     k.open();
     for (const Serienr& nr : {BLOUSE, BROEK}) Keten::serie(nr);
-    pick(0, 3, BLOUSE, 5);
-    pick(1, 4, BROEK, 7);
-    pick(2, 3, BLOUSE, 11, 20000011);
-    pick(2, 4, BROEK, 13, 20000011);
+    proef_regel(0, 3, BLOUSE, {{7, 5}});
+    proef_regel(1, 4, BROEK, {{7, 7}});
+    proef_regel(2, 3, BLOUSE, {{7, 11}}, 20000011);
+    proef_regel(2, 4, BROEK, {{7, 13}}, 20000011);
     ASSERT_TRUE(prt_tabellen_maak());
     prt_printer(2, "BESTAND", "afdruk.lst", 0, {0, 1, 1, 132, 64, "liggend", "", ""});
     k.sluit();
-  }
-  static void pick(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t nummer = 0) {
-    DtPick r{};
-    r.vanfil = static_cast<uint8_t>(van);
-    r.naarfil = static_cast<uint8_t>(naar);
-    r.nr = nr;
-    r.opdrachtnr = nummer;
-    r.aantal[7] = stuks;
-    if (nummer != 0) r.orderdatum = date_number("03022026");
-    Keten::voeg(dtpick, r);
   }
   /// Runs the command in a program's own surroundings; "klaar" stands on row 22 behind it.
   static Terminal start(void (*commando)()) {

@@ -12,8 +12,8 @@
 #include "main/verzamel.h"
 #include "prt/prt.h"
 #include "sub/pghdl.h"
-#include "tests/support/keten.h"
 #include "tests/support/rapport.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
@@ -46,20 +46,7 @@ struct Opdruk : ::testing::Test {
     serie(BLOUSE, 1, "A1");
     serie(BROEK, 1, "B22222");
     serie(BREED, 2, "");
-    DtArt art{};
-    art.nummer = BLOUSE.artgroep;
-    veld_zet(art.naam, sizeof art.naam, "Blouses korte mouw");
-    Keten::voeg(dtart, art);
-    DtMerk merk{};
-    merk.nummer = 5;
-    veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
-    veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
-    Keten::voeg(dtmerk, merk);
-    Kleur kleur{};
-    kleur.nummer = 10;
-    veld_zet(kleur.naam, sizeof kleur.naam, "wit");
-    int32_t nummer = 10;
-    iotab('W', &nummer, &kleur, SYS_KLEUREN);
+    proef_namen(BLOUSE.artgroep, "Blouses korte mouw");
     pg_fill(adv_rec.aanvul_filialen);
     pg_fill(adv_rec.vanuit_filialen);
     saldo_splits = true;
@@ -82,21 +69,6 @@ struct Opdruk : ::testing::Test {
     veld_zet(rec.locatie, sizeof rec.locatie, locatie);
     rec.adviesprijs = 123495;
     Keten::voeg(dtser, rec);
-  }
-  struct Stuks {
-    int maat;
-    uint32_t aantal;
-  };
-  static void regel(int van, int naar, const Serienr& nr, std::initializer_list<Stuks> stuks,
-                    uint32_t opdracht = 0) {
-    DtPick rec{};
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.nr = nr;
-    rec.opdrachtnr = opdracht;
-    if (opdracht != 0) rec.orderdatum = date_number("03022026");
-    for (const Stuks& s : stuks) rec.aantal[s.maat] = s.aantal;
-    IXWRITE(dtpick, &rec);
   }
   /// The document of the lines that there are, with one date and time for all days.
   static std::string document(OpdrachtSoort soort, int bladregels = 64) {
@@ -124,8 +96,8 @@ std::string vanaf(const std::string& tekst, const char* woord) {
 }
 
 TEST_F(Opdruk, ProvisionalPerPairAndABranchOfThreeDigits) {
-  regel(0, 3, BLOUSE, {{1, 2}, {4, 11}});
-  regel(0, 100, BROEK, {{2, 1}});
+  proef_regel(0, 3, BLOUSE, {{1, 2}, {4, 11}});
+  proef_regel(0, 100, BROEK, {{2, 1}});
   EXPECT_EQ(
       document(OpdrachtSoort::voorlopig),
       R"(De Ketting BV                           VERZAMELOPDRACHT FILIAAL 0 (voorlopig)                            DD-MM-JJJJ UU:MM blad:   1
@@ -165,8 +137,8 @@ VOOR FILIAAL100  Filiaal 100                      TOT    1
 
 TEST_F(Opdruk, DefinitiveForAllReceivers) {
   saldo_splits = false;
-  regel(2, 3, BLOUSE, {{1, 2}, {4, 1234}});
-  regel(2, 11, BLOUSE, {{3, 1}});
+  proef_regel(2, 3, BLOUSE, {{1, 2}, {4, 1234}});
+  proef_regel(2, 11, BLOUSE, {{3, 1}});
   EXPECT_EQ(
       document(OpdrachtSoort::nieuw),
       R"(De Ketting BV                                 VERZAMELOPDRACHT FILIAAL 2                                  DD-MM-JJJJ UU:MM blad:   1
@@ -186,10 +158,10 @@ serie merk            omschrijving          locatie        maatspecificatie     
 
 TEST_F(Opdruk, AnOrderAgainRunsOnOverItsSeries) {
   saldo_opdrachtnr = 20000011;
-  regel(2, 3, BLOUSE, {{1, 2}}, 20000011);
-  regel(2, 3, BROEK, {{4, 7}}, 20000011);
-  regel(2, 3, BREED, {{4, 9}}, 20000028);
-  regel(2, 3, BREED, {{4, 9}});
+  proef_regel(2, 3, BLOUSE, {{1, 2}}, 20000011);
+  proef_regel(2, 3, BROEK, {{4, 7}}, 20000011);
+  proef_regel(2, 3, BREED, {{4, 9}}, 20000028);
+  proef_regel(2, 3, BREED, {{4, 9}});
   EXPECT_EQ(
       document(OpdrachtSoort::bestaand),
       R"(De Ketting BV                                 VERZAMELOPDRACHT FILIAAL 2                                  DD-MM-JJJJ UU:MM blad:   1
@@ -216,8 +188,8 @@ VOOR FILIAAL  3  Filiaal 3                        TOT    9
 }
 
 TEST_F(Opdruk, WideSizeBarsGoInStepsOfEighteen) {
-  regel(0, 3, BREED, {{40, 6}, {4, 11}, {1, 2}});
-  regel(0, 4, BREED, {{1, 1}});
+  proef_regel(0, 3, BREED, {{40, 6}, {4, 11}, {1, 2}});
+  proef_regel(0, 4, BREED, {{1, 1}});
   saldo_splits = false;
   EXPECT_EQ(
       vanaf(document(OpdrachtSoort::voorlopig), "10300.5"),
@@ -240,7 +212,7 @@ TEST_F(Opdruk, WideSizeBarsGoInStepsOfEighteen) {
 }
 
 TEST_F(Opdruk, SeriesStandInThePrintOrder) {
-  for (const Serienr& nr : {BLOUSE, BROEK, BREED}) regel(0, 3, nr, {{1, 1}});
+  for (const Serienr& nr : {BLOUSE, BROEK, BREED}) proef_regel(0, 3, nr, {{1, 1}});
   const auto volgorde = [](const char* letters) {
     str_printf(saldo_sort, sizeof saldo_sort, "%s", letters);
     const std::string tekst = document(OpdrachtSoort::voorlopig);
@@ -262,8 +234,8 @@ TEST_F(Opdruk, SeriesStandInThePrintOrder) {
 
 /// The head takes eight lines, a series five, the foot of a pair two.
 TEST_F(Opdruk, FiveLinesStayTogether) {
-  regel(0, 3, BLOUSE, {{1, 2}});
-  regel(0, 3, BROEK, {{1, 2}});
+  proef_regel(0, 3, BLOUSE, {{1, 2}});
+  proef_regel(0, 3, BROEK, {{1, 2}});
   const auto kop_voor = [](int bladregels, const char* woord) {
     const std::string tekst = document(OpdrachtSoort::voorlopig, bladregels);
     const size_t tweede = tekst.find("VERZAMELOPDRACHT", tekst.find("VERZAMELOPDRACHT") + 1);
@@ -281,8 +253,8 @@ TEST_F(Opdruk, FiveLinesStayTogether) {
 TEST_F(Opdruk, NoPageIsLongerThanItsPaper) {
   saldo_splits = false;
   for (int naar = 1; naar < 4; ++naar) {
-    regel(0, naar, BREED, {{40, 6}, {4, 11}, {1, 2}});
-    regel(0, naar, BLOUSE, {{1, 1}});
+    proef_regel(0, naar, BREED, {{40, 6}, {4, 11}, {1, 2}});
+    proef_regel(0, naar, BLOUSE, {{1, 1}});
   }
   for (int bladregels = 10; bladregels < 40; ++bladregels) {
     const std::string tekst = document(OpdrachtSoort::voorlopig, bladregels);
@@ -298,14 +270,14 @@ TEST_F(Opdruk, NoPageIsLongerThanItsPaper) {
 }
 
 TEST_F(Opdruk, EachPairHasItsHeadOnPaperWithoutPages) {
-  for (const int naar : {3, 4, 5}) regel(0, naar, BLOUSE, {{1, 2}});
+  for (const int naar : {3, 4, 5}) proef_regel(0, naar, BLOUSE, {{1, 2}});
   for (const int bladregels : {0, 64, 9999})
     EXPECT_EQ(koppen(document(OpdrachtSoort::voorlopig, bladregels)), 3) << bladregels;
 }
 
 TEST_F(Opdruk, ManyReceiversGoOverSeveralPagesWithTheirSizes) {
   saldo_splits = false;
-  for (int naar = 1; naar < 120; ++naar) regel(0, naar, BLOUSE, {{1, 1}});
+  for (int naar = 1; naar < 120; ++naar) proef_regel(0, naar, BLOUSE, {{1, 1}});
   const std::string tekst = document(OpdrachtSoort::voorlopig, 30);
   std::vector<int> filialen_gezien;
   int bladen = 0, regels = 0;
@@ -340,7 +312,7 @@ TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
     zonder.maatsoort = static_cast<uint8_t>(soort);
     Keten::voeg(dtser, zonder);
     IXINIT(dtpick);
-    regel(0, 3, BROEK, {{1, 2}, {95, 3}});
+    proef_regel(0, 3, BROEK, {{1, 2}, {95, 3}});
     EXPECT_EQ(vanaf(document(OpdrachtSoort::voorlopig), "10200.310"),
               R"(10200.310.4                                  B22222     KM
                       omschrijving serie    1234.95  3   5    2   3
@@ -354,12 +326,12 @@ VOOR FILIAAL  3  Filiaal 3                        TOT    5
               std::string::npos);
   }
   IXINIT(dtpick);
-  regel(255, 250, BLOUSE, {{1, 2}});
+  proef_regel(255, 250, BLOUSE, {{1, 2}});
   const std::string vreemd = document(OpdrachtSoort::voorlopig);
   EXPECT_NE(vreemd.find("10100.10.1"), std::string::npos) << vreemd;
 
   IXINIT(dtpick);
-  regel(0, 3, BLOUSE, {{1, 2}});
+  proef_regel(0, 3, BLOUSE, {{1, 2}});
   verzamel_maak(privaat.tp, saldo_sort, saldo_splits);
   saldo_pass(1);
   DtSer weg{};

@@ -15,8 +15,8 @@
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/serie.h"
-#include "tests/support/keten.h"
 #include "tests/support/rapport.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
@@ -56,14 +56,7 @@ struct Saldo : ::testing::Test {
   }
 
   static void regel(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t opdracht = 0) {
-    DtPick rec{};
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.nr = nr;
-    rec.opdrachtnr = opdracht;
-    rec.aantal[1] = stuks / 2;
-    rec.aantal[95] = stuks - stuks / 2;
-    IXWRITE(dtpick, &rec);
+    proef_regel(van, naar, nr, {{1, stuks / 2}, {95, stuks - stuks / 2}}, opdracht);
   }
   /// The list of a run, without its head.
   static std::string lijst(int mode) {

@@ -68,17 +68,6 @@ struct Uitvoeren : ::testing::Test {
     e.doel = doel;
     while (aantal-- > 0) proef_stuk(e);
   }
-  static void regel(int van, int naar, const Serienr& nr, const std::map<int, uint32_t>& per_maat,
-                    uint32_t opdracht = 0) {
-    DtPick rec{};
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.nr = nr;
-    rec.opdrachtnr = opdracht;
-    for (const auto& [maat, n] : per_maat) rec.aantal[maat] = n;
-    Keten::voeg(dtpick, rec);
-  }
-
   struct Telling {
     std::map<std::string, int> waar;  // "series size place" of all labels
     int onderweg = 0;
@@ -101,14 +90,6 @@ struct Uitvoeren : ::testing::Test {
       t.nummers.insert(r.nummer);
     }
     return t;
-  }
-  template <class Rec>
-  static std::vector<Rec> alles(ICB* tabel) {
-    std::vector<Rec> uit;
-    IXSWITCH(tabel, 1);
-    Rec rec{};
-    for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
-    return uit;
   }
   static std::string lijsten(const std::vector<Uitvoering>& orders, int bladregels = 64) {
     return rapport([&] { uitvoer_lijsten(orders); }, bladregels);
@@ -137,12 +118,12 @@ TEST_F(Uitvoeren, WhatStockHasLeavesAndTheLinesGo) {
   etiketten(BLOUSE, 1, 5, 0, ETI_VERKOPEN);
   etiketten(BLOUSE, 2, 6, 0);
   etiketten(BLOUSE, 3, 6, 1);
-  regel(0, 3, BLOUSE, {{5, 2}, {6, 9}});  // nine asked, two there
-  regel(0, 4, BLOUSE, {{5, 1}});
-  regel(1, 3, BLOUSE, {{6, 1}});
-  regel(0, 5, BLOUSE, {{5, 9}}, 20000011);  // an order that is executed by hand
-  regel(2, 5, BLOUSE, {{5, 1}});            // nothing there, but a number is drawn
-  regel(0, 3, BROEK, {{5, 1}});             // no labels at all
+  proef_regel(0, 3, BLOUSE, {{5, 2}, {6, 9}});  // nine asked, two there
+  proef_regel(0, 4, BLOUSE, {{5, 1}});
+  proef_regel(1, 3, BLOUSE, {{6, 1}});
+  proef_regel(0, 5, BLOUSE, {{5, 9}}, 20000011);  // an order that is executed by hand
+  proef_regel(2, 5, BLOUSE, {{5, 1}});            // nothing there, but a number is drawn
+  proef_regel(0, 3, BROEK, {{5, 1}});             // no labels at all
   IXSWITCH(dtpick, 3);
   const std::vector<Uitvoering> orders = uitvoer_pas();
   EXPECT_EQ(dtpick->block.key_number, 3);
@@ -155,7 +136,7 @@ TEST_F(Uitvoeren, WhatStockHasLeavesAndTheLinesGo) {
                                     {"6:0>3", 2},
                                     {"6:1", 2},
                                     {"6:1>3", 1}}));
-  const auto regels = alles<DtPick>(dtpick);
+  const auto regels = proef_inhoud<DtPick>(dtpick);
   ASSERT_EQ(regels.size(), 1u) << "a line goes, also when it was not served whole";
   EXPECT_EQ(regels[0].opdrachtnr, 20000011u);
   EXPECT_EQ(regels[0].aantal[5], 9u);
@@ -164,14 +145,14 @@ TEST_F(Uitvoeren, WhatStockHasLeavesAndTheLinesGo) {
   for (const Uitvoering& o : orders) nummers[str_format("%d>%d", o.van, o.naar)] = o.nummer;
   ASSERT_EQ(nummers.size(), 4u);
   ASSERT_EQ(orders.size(), 4u);
-  const auto go = alles<DtGo>(dtgo);
+  const auto go = proef_inhoud<DtGo>(dtgo);
   EXPECT_EQ(go.size(), 6u);
   for (const DtGo& g : go) {
     EXPECT_EQ(g.verzamel, 1);
     EXPECT_EQ(g.zenddatum, date_today());
     EXPECT_EQ(g.opdrachtnr, nummers[str_format("%d>%d", g.vanfil, g.naarfil)]);
   }
-  EXPECT_EQ(alles<DtFin>(dtfin).size(), 6u);
+  EXPECT_EQ(proef_inhoud<DtFin>(dtfin).size(), 6u);
   EXPECT_EQ(file_size("KASMUT.TXT"), 6 * 32);
   ASSERT_TRUE(serie_probeer(BLOUSE)) << "not locked any more";
   EXPECT_EQ(ser_rec.datum_mutatie, date_today());
@@ -183,13 +164,13 @@ TEST_F(Uitvoeren, BranchesAndSeriesThatAreNotSelectedStay) {
   etiketten(BLOUSE, 9, 5, 0);
   etiketten(BLOUSE, 9, 5, 1);
   etiketten(BROEK, 9, 5, 0);
-  regel(0, 3, BLOUSE, {{5, 1}});
-  regel(0, 4, BLOUSE, {{5, 1}});
-  regel(1, 3, BLOUSE, {{5, 1}});
-  regel(0, 3, BROEK, {{5, 1}});
-  regel(0, 200, BLOUSE, {{5, 1}});  // a branch that the chain does not have
-  regel(0, 0, BLOUSE, {{5, 1}});
-  regel(0, 3, {10300, 5, 2}, {{5, 1}});  // a series that is gone
+  proef_regel(0, 3, BLOUSE, {{5, 1}});
+  proef_regel(0, 4, BLOUSE, {{5, 1}});
+  proef_regel(1, 3, BLOUSE, {{5, 1}});
+  proef_regel(0, 3, BROEK, {{5, 1}});
+  proef_regel(0, 200, BLOUSE, {{5, 1}});  // a branch that the chain does not have
+  proef_regel(0, 0, BLOUSE, {{5, 1}});
+  proef_regel(0, 3, {10300, 5, 2}, {{5, 1}});  // a series that is gone
   pg_remove(adv_rec.vanuit_filialen, 1);
   pg_remove(adv_rec.aanvul_filialen, 4);
   ASSERT_TRUE(IXREMOVE(privaat.o));
@@ -208,7 +189,7 @@ TEST_F(Uitvoeren, BranchesAndSeriesThatAreNotSelectedStay) {
   IXCLOSE(icb);
   EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 8}, {"5:0>3", 1}, {"5:1", 9}}));
   EXPECT_EQ(tel(BROEK).onderweg, 0);
-  EXPECT_EQ(alles<DtPick>(dtpick).size(), 6u);
+  EXPECT_EQ(proef_inhoud<DtPick>(dtpick).size(), 6u);
 }
 
 TEST_F(Uitvoeren, WithoutTransitThePiecesAreThereAtOnceAndSizesTellNoTill) {
@@ -218,12 +199,12 @@ TEST_F(Uitvoeren, WithoutTransitThePiecesAreThereAtOnceAndSizesTellNoTill) {
   serie_schrijf();
   etiketten(BLOUSE, 3, 5, 0);
   etiketten(BROEK, 1, 5, 0);
-  regel(0, 3, BLOUSE, {{5, 2}});
-  regel(0, 3, BROEK, {{5, 1}});
+  proef_regel(0, 3, BLOUSE, {{5, 2}});
+  proef_regel(0, 3, BROEK, {{5, 1}});
   uitvoer_pas();
   EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 1}, {"5:3", 2}}));
-  EXPECT_EQ(alles<DtGo>(dtgo).size(), 3u);
-  EXPECT_EQ(alles<DtFin>(dtfin).size(), 3u);
+  EXPECT_EQ(proef_inhoud<DtGo>(dtgo).size(), 3u);
+  EXPECT_EQ(proef_inhoud<DtFin>(dtfin).size(), 3u);
   EXPECT_EQ(file_size("KASMUT.TXT"), 32) << "of the one label that has a number";
 }
 
@@ -235,9 +216,9 @@ TEST_F(Uitvoeren, WhatWasAskedForIsWrittenOff) {
     e.vrkdat = date_today();
     Keten::voeg(dtaanv, DtAanv{BLOUSE, static_cast<uint32_t>(proef_stuk(e))});
   }
-  regel(0, 3, BLOUSE, {{5, 2}});
+  proef_regel(0, 3, BLOUSE, {{5, 2}});
   uitvoer_pas();
-  EXPECT_EQ(alles<DtAanv>(dtaanv).size(), 1u);
+  EXPECT_EQ(proef_inhoud<DtAanv>(dtaanv).size(), 1u);
 }
 
 /// The labels of the first series go on into the second's: its lines stay, the second's are served.
@@ -246,14 +227,14 @@ TEST_F(Uitvoeren, AChainThatLeadsAstrayIsPassedOver) {
   etiketten(BROEK, 2, 5, 0);
   proef_ketting(0, 1);
   for (const Serienr& nr : {BLOUSE, BROEK}) {
-    regel(0, 3, nr, {{5, 1}});
-    regel(0, 4, nr, {{5, 1}});
+    proef_regel(0, 3, nr, {{5, 1}});
+    proef_regel(0, 4, nr, {{5, 1}});
   }
   EXPECT_EQ(uitvoer_pas().size(), 2u);
-  const auto regels = alles<DtPick>(dtpick);
+  const auto regels = proef_inhoud<DtPick>(dtpick);
   ASSERT_EQ(regels.size(), 2u);
   EXPECT_TRUE(regels[0].nr == BLOUSE && regels[1].nr == BLOUSE);
-  EXPECT_EQ(alles<DtGo>(dtgo).size(), 2u);
+  EXPECT_EQ(proef_inhoud<DtGo>(dtgo).size(), 2u);
   EXPECT_EQ(tel(BROEK).onderweg, 2);
   ASSERT_TRUE(serie_probeer(BLOUSE)) << "not locked any more";
   serie_los();
@@ -267,20 +248,7 @@ TEST_F(Uitvoeren, TheSearchListIsAPageAPair) {
     veld_zet(rec.plaats, sizeof rec.plaats, "Almelo");
     iofil('W', f, &rec);
   }
-  DtArt art{};
-  art.nummer = BLOUSE.artgroep;
-  veld_zet(art.naam, sizeof art.naam, "Blouses");
-  Keten::voeg(dtart, art);
-  DtMerk merk{};
-  merk.nummer = 5;
-  veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
-  veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
-  Keten::voeg(dtmerk, merk);
-  Kleur kleur{};
-  veld_zet(kleur.naam, sizeof kleur.naam, "wit");
-  int32_t tien = 10;
-  kleur.nummer = 10;
-  iotab('W', &tien, &kleur, SYS_KLEUREN);
+  proef_namen(BLOUSE.artgroep, "Blouses");
   DtMaat maten{};
   maten.land = maten.maatsoort = 1;
   for (int i : {5, 6}) {
@@ -296,8 +264,8 @@ TEST_F(Uitvoeren, TheSearchListIsAPageAPair) {
   etiketten(BLOUSE, 2, 5, 0);
   etiketten(BLOUSE, 1, 6, 0);
   etiketten(BROEK, 3, 5, 0);
-  regel(0, 3, BLOUSE, {{5, 2}, {6, 1}});
-  regel(0, 3, BROEK, {{5, 3}});
+  proef_regel(0, 3, BLOUSE, {{5, 2}, {6, 1}});
+  proef_regel(0, 3, BROEK, {{5, 3}});
   const std::vector<Uitvoering> orders = uitvoer_pas();
   ASSERT_EQ(orders.size(), 1u);
   // A label sold on the way, one that somebody sent by hand, one that is finished: none is listed.
@@ -373,8 +341,8 @@ int te_gaan;
 /// lost, at most the one in hand is sent besides, and each that is under way is booked once.
 TEST_F(Uitvoeren, DyingAtEachWrite) {
   etiketten(BLOUSE, 14, 5, 0);  // two blocks
-  regel(0, 3, BLOUSE, {{5, 3}});
-  regel(0, 4, BLOUSE, {{5, 2}});
+  proef_regel(0, 3, BLOUSE, {{5, 3}});
+  proef_regel(0, 4, BLOUSE, {{5, 2}});
   sluit();
   const char* TABELLEN[] = {"DTPICK", "DTGO", "DTFIN", "DTSER"};
   std::vector<std::unique_ptr<BepKopie>> begin;
@@ -409,7 +377,7 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
     stel_in();
     Telling t = tel(BLOUSE);
     uint32_t gevraagd = 0;
-    for (const DtPick& r : alles<DtPick>(dtpick)) gevraagd += r.aantal[5];
+    for (const DtPick& r : proef_inhoud<DtPick>(dtpick)) gevraagd += r.aantal[5];
     EXPECT_GE(t.onderweg + static_cast<int>(gevraagd), 5) << "nothing is forgotten";
     EXPECT_LE(t.onderweg + static_cast<int>(gevraagd), 6) << "the piece in hand at most";
     for (const int32_t nummer : t.nummers) {
@@ -427,9 +395,10 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
     int totaal = 0;
     for (const auto& [plaats, aantal] : t.waar) totaal += aantal;
     EXPECT_EQ(totaal, 14);
-    EXPECT_EQ(alles<DtFin>(dtfin).size(), static_cast<size_t>(t.onderweg)) << "each paid once";
-    EXPECT_EQ(alles<DtGo>(dtgo).size(), static_cast<size_t>(t.onderweg));
-    EXPECT_TRUE(alles<DtPick>(dtpick).empty());
+    EXPECT_EQ(proef_inhoud<DtFin>(dtfin).size(), static_cast<size_t>(t.onderweg))
+        << "each paid once";
+    EXPECT_EQ(proef_inhoud<DtGo>(dtgo).size(), static_cast<size_t>(t.onderweg));
+    EXPECT_TRUE(proef_inhoud<DtPick>(dtpick).empty());
     sluit();
     ASSERT_FALSE(HasFailure());
     if (einde.empty()) break;
@@ -475,7 +444,7 @@ TEST_F(Uitvoeren, ClaimsAreTakenAndFreed) {
 /// screen.
 TEST_F(Uitvoeren, TheCommandWithItsScreens) {
   etiketten(BLOUSE, 2, 5, 0);
-  regel(0, 3, BLOUSE, {{5, 1}});
+  proef_regel(0, 3, BLOUSE, {{5, 1}});
   sluit();
   Terminal t = commando();
   EXPECT_SHOWS(t, "Selectiecriteria");

@@ -14,29 +14,14 @@
 #include "sub/records.h"
 #include "sub/tabellen.h"
 #include "tests/support/agent.h"
-#include "tests/support/bestand.h"
+#include "tests/support/demo.h"
 #include "tests/support/terminal.h"
-#include "tests/support/tijdelijk.h"
 #include "tools/keten.h"
 
 namespace {
 
-/// A demo chain of its own for each test; the files are made once.
-struct DemoKeten {
-  TempDir map;
-  DemoKeten() {
-    static const TempDir moeder;
-    if (!std::filesystem::exists(moeder / "DTSYS.TXT")) {
-      const std::string maak =
-          BUILD_DIR "/tools/winkel demo --seed 1 --today 22112026 -C " + moeder.pad;
-      EXPECT_EQ(std::system((maak + " >/dev/null").c_str()), 0);
-    }
-    std::filesystem::copy(moeder.pad, map.pad,
-                          std::filesystem::copy_options::recursive |
-                              std::filesystem::copy_options::overwrite_existing);
-  }
-  std::string operator/(const char* naam) const { return map.pad + "/" + naam; }
-
+struct DemoKeten : DemoMap {
+  DemoKeten() : DemoMap(1) {}
   Terminal launcher(const char* gebruiker, const std::string& waar = "") const {
     TerminalOpties opties;
     opties.dir = waar.empty() ? map.pad : waar;
@@ -252,37 +237,24 @@ TEST(VoorraadClaims, EachCommandAgainstWhatAnotherHolds) {
 
 // The road of one advice --------------------------------------------------------------------------
 
-template <class R>
-std::vector<R> rijen(const std::string& pad) {
-  const std::string b = bytes_van(pad);
-  std::vector<R> uit;
-  for (size_t p = 0; p + sizeof(R) <= b.size(); p += sizeof(R)) {
-    const bool weg = b[p] == '\xFF' && b.find_first_not_of('\xFF', p + 5) >= p + sizeof(R);
-    if (weg) continue;
-    uit.emplace_back();
-    memcpy(static_cast<void*>(&uit.back()), b.data() + p, sizeof(R));
-  }
-  return uit;
-}
-
 struct Weg : ::testing::Test {
   static constexpr int FILIALEN = 12;
   DemoKeten keten;
 
   std::vector<DtPick> regels(const Serienr& nr) const {
     std::vector<DtPick> uit;
-    for (const DtPick& r : rijen<DtPick>(keten / "DTPICK.TXT"))
+    for (const DtPick& r : keten.records<DtPick>("DTPICK.TXT"))
       if (r.nr == nr) uit.push_back(r);
     return uit;
   }
   DtSer serie(const Serienr& nr) const {
-    for (const DtSer& s : rijen<DtSer>(keten / "DTSER.TXT"))
+    for (const DtSer& s : keten.records<DtSer>("DTSER.TXT"))
       if (s.nr == nr) return s;
     return {};
   }
   size_t voorlopige() const {
     size_t n = 0;
-    for (const DtPick& r : rijen<DtPick>(keten / "DTPICK.TXT")) n += r.opdrachtnr == 0;
+    for (const DtPick& r : keten.records<DtPick>("DTPICK.TXT")) n += r.opdrachtnr == 0;
     return n;
   }
   /// The next report goes to the file; once `kenmerk` stands there the file is taken away. What it
@@ -372,11 +344,11 @@ TEST_F(Weg, FromSeriesToBranch) {
   druk(t, "TOTAAL");
 
   // What is left goes straight out of stock.
-  const size_t onderweg = rijen<DtGo>(keten / "DTGO.TXT").size();
+  const size_t onderweg = keten.records<DtGo>("DTGO.TXT").size();
   t.type("34", "I", toets::Esc);
   druk(t, "ZOEKLIJST");
   EXPECT_EQ(voorlopige(), 0U);
-  EXPECT_GT(rijen<DtGo>(keten / "DTGO.TXT").size(), onderweg);
+  EXPECT_GT(keten.records<DtGo>("DTGO.TXT").size(), onderweg);
   t.type(toets::Esc, toets::Esc);
   EXPECT_EQ(t.exit_status(), 0);
   InMap in(keten.map.pad);

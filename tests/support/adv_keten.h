@@ -14,7 +14,7 @@
 #include "sub/adv_krit.h"
 #include "sub/ioeti.h"
 #include "sub/iomaat.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 struct AdvKeten : testing::Test {
@@ -73,15 +73,7 @@ struct AdvKeten : testing::Test {
   static int32_t stuk(const Serienr& nr, uint8_t status, uint8_t maat, uint8_t filiaal) {
     Etiket e = proef_etiket(nr, status, maat, filiaal);
     e.bedrag = status == ETI_VERKOPEN ? 4495 : 0;
-    int32_t nummer = 0;
-    ioeti('W', &nummer, &e);
-    DtSer rec{};
-    rec.nr = nr;
-    if (IXREAD(dtser, &rec) && rec.blok1 < 0) {
-      rec.blok1 = eti_blok(nummer);
-      IXWRITE(dtser, &rec);
-    }
-    return nummer;
+    return proef_stuk(e);
   }
   /// A piece sold in a branch, that asks for another.
   static int32_t verkocht(const Serienr& nr, uint8_t maat, uint8_t filiaal) {
@@ -90,13 +82,7 @@ struct AdvKeten : testing::Test {
     return nummer;
   }
   static void regel(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t opdracht = 0) {
-    DtPick rec{};
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.nr = nr;
-    rec.opdrachtnr = opdracht;
-    rec.aantal[1] = stuks;
-    ProefKeten::voeg(dtpick, rec);
+    proef_regel(van, naar, nr, {{1, stuks}}, opdracht, "");
   }
   /// Changes the chain's files as a program of its own would.
   void met_keten(const std::function<void()>& doe) {
@@ -108,8 +94,7 @@ struct AdvKeten : testing::Test {
   std::string regels() {
     std::string uit;
     keten.open();
-    DtPick rec{};
-    for (bool er = IXFIRSTR(dtpick, &rec); er; er = IXNEXT(dtpick, &rec)) {
+    for (const DtPick& rec : proef_inhoud<DtPick>(dtpick)) {
       uit += str_format("%d>%d %s", rec.vanfil, rec.naarfil, serie_tekst(rec.nr));
       if (rec.opdrachtnr != 0) uit += str_format(" nr %lu", rec.opdrachtnr);
       for (int m = 0; m < MATEN; ++m)
@@ -121,9 +106,7 @@ struct AdvKeten : testing::Test {
   }
   int aanvul_regels() {
     keten.open();
-    int n = 0;
-    DtAanv rec{};
-    for (bool er = IXFIRSTR(dtaanv, &rec); er; er = IXNEXT(dtaanv, &rec)) ++n;
+    const auto n = static_cast<int>(proef_inhoud<DtAanv>(dtaanv).size());
     keten.sluit();
     return n;
   }

@@ -1,7 +1,13 @@
-// Pieces in the label store of a chain under test, and chains of blocks that lead astray.
+// What a chain under test holds: pieces, chains of blocks that lead astray, order lines, names.
 #pragma once
 
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+#include "isam/base.h"
 #include "isam/io.h"
+#include "main/iotab.h"
 #include "sub/ioeti.h"
 #include "sub/ioeti_intern.h"
 #include "sub/tabelgebruik.h"
@@ -25,4 +31,45 @@ inline int32_t proef_stuk(Etiket e) {
 /// Makes the chain go on from a block into another.
 inline void proef_ketting(int32_t blok, int32_t volgende) {
   io_schrijf(eti.fd, &volgende, sizeof volgende, int64_t{blok} * 376 + 12);
+}
+
+/// An order line; a definitive one is of 3 February 2026 unless another day is given.
+inline void proef_regel(int van, int naar, const Serienr& nr,
+                        std::initializer_list<std::pair<int, uint32_t>> stuks,
+                        uint32_t opdracht = 0, const char* datum = "03022026") {
+  DtPick rec{};
+  rec.vanfil = static_cast<uint8_t>(van);
+  rec.naarfil = static_cast<uint8_t>(naar);
+  rec.nr = nr;
+  rec.opdrachtnr = opdracht;
+  if (opdracht != 0) rec.orderdatum = date_number(datum);
+  for (const auto& [maat, n] : stuks) rec.aantal[maat] = n;
+  IXWRITE(dtpick, &rec);
+}
+
+/// The article group, brand 5 and colour 10.
+inline void proef_namen(uint32_t artgroep, const char* naam) {
+  DtArt art{};
+  art.nummer = artgroep;
+  veld_zet(art.naam, sizeof art.naam, naam);
+  IXWRITE(dtart, &art);
+  DtMerk merk{};
+  merk.nummer = 5;
+  veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
+  veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
+  IXWRITE(dtmerk, &merk);
+  Kleur kleur{};
+  int32_t nummer = kleur.nummer = 10;
+  veld_zet(kleur.naam, sizeof kleur.naam, "wit");
+  iotab('W', &nummer, &kleur, SYS_KLEUREN);
+}
+
+/// All records of a table by its first key.
+template <class Rec>
+std::vector<Rec> proef_inhoud(ICB* tabel) {
+  const OpSleutel sleutel(tabel, 1);
+  std::vector<Rec> uit;
+  Rec rec{};
+  for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
+  return uit;
 }
