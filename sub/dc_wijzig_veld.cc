@@ -139,9 +139,8 @@ void schrijf(const Wijziging& w, const Veld& v) {
 
 // The screen --------------------------------------------------------------------------------------
 
-void toon_serie(Wijziging& w) {
+void toon_serie(const Wijziging& w) {
   const DcwArtikel a = dcw_artikel(w.d, w.oud);
-  if (a.per_stuk) w.velden = ZONDER_AANTAL;
   scr_print(A_WAARDE, 2, 2, "%-.13s", std::string_view(w.oud.code, sizeof w.oud.code));
   if (a.stand != DcwStand::goed) {
     scr_print(A_WAARDE, 3, 2, "*** %s ***",
@@ -154,7 +153,16 @@ void toon_serie(Wijziging& w) {
   scr_print(A_WAARDE, 3, kol, "%s", veld_tekst(a.maat, sizeof a.maat));
 }
 
+/// Some line has a count.
+bool telt(const Wijziging& w) {
+  DcRegel r;
+  return std::ranges::any_of(w.regels, [&](uint32_t regel) {
+    return dcw_lees(w.d, regel, &r) && !dcw_artikel(w.d, r).per_stuk;
+  });
+}
+
 void toon(Wijziging& w) {
+  if (!telt(w)) w.velden = ZONDER_AANTAL;
   const bool zenden = w.oud.soort == DC_ZENDEN;
   scr_print(A_LABEL, 1, 2, "%s", txt(zenden ? T_DCW_VERZENDING : T_DCW_ONTVANGST));
   if (w.een())
