@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int LINKS = 65, BREEDTE = 132, EINDELOOS = 9999;
+constexpr int LINKS = 65, BREEDTE = 132;
 
 /// Where the words of a remark stand, and what else.
 enum class Vorm : uint8_t {
@@ -191,8 +191,7 @@ bool dc_lijst_gedrukt() { return lijst.gedrukt; }
 void dc_meld(DcOpm opm, const DcTrans& t, const DcBij& bij) {
   const Opmerking& o = OPMERKINGEN[static_cast<size_t>(opm) - 1];
   const bool weigert = o.weigert && !(opm == DcOpm::onderweg && t.soort == DC_ONTVANGEN);
-  const int bladzij = prt_rec.page_lines > 0 ? prt_rec.page_lines : EINDELOOS;
-  if (prt_rec.line_no > bladzij) kop();
+  if (print_vol()) kop();
   const bool verder = t.etiket != 0 && t.regel == lijst.vorige;
   if (verder)
     print_rep(LINKS, ' ');
