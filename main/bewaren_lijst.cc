@@ -66,7 +66,7 @@ void wis_groep(const SerieVoortgang& voortgang) {
   do {
     // Only the sending branch is skipped: behind a receiver that is off others may be wanted.
     if (!pg_test(adv_rec.vanuit_filialen, pick_rec.vanfil)) {
-      pick_rec.naarfil = FILIAAL_SPRONG;
+      pick_rec.naarfil = voorbij_zender(pick_rec.naarfil);
     } else if (pick_rec.opdrachtnr == 0 && pg_test(adv_rec.aanvul_filialen, pick_rec.naarfil)) {
       verwijder(dtpick, pick_rec);
     }

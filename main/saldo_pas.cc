@@ -91,7 +91,7 @@ void neem_groep(Pas& pas) {
   pas.gevonden = false;
   do {
     if (!bit_test(adv_rec.vanuit_filialen, pick_rec.vanfil)) {
-      pick_rec.naarfil = FILIAAL_SPRONG;  // the next read skips the rest of this sending branch
+      pick_rec.naarfil = voorbij_zender(pick_rec.naarfil);
     } else if (bit_test(adv_rec.aanvul_filialen, pick_rec.naarfil)) {
       neem_regel(pas);
     }

@@ -76,7 +76,7 @@ struct Vul {
 /// Past what is left of a pair, or of a sending branch; never back, whatever the record says.
 void spring_paar(DtGo& go) { go.etiket = std::max(go.etiket, SPRONG); }
 void spring_filiaal(DtGo& go) {
-  go.naarfil = std::max(go.naarfil, FILIAAL_SPRONG);
+  go.naarfil = voorbij_zender(go.naarfil);
   spring_paar(go);
 }
 

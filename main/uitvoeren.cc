@@ -128,7 +128,7 @@ void neem_groep(Pas& pas) {
   pas.gezocht = pas.gevonden = false;
   do {
     if (!bit_test(adv_rec.vanuit_filialen, pick_rec.vanfil)) {
-      pick_rec.naarfil = FILIAAL_SPRONG;  // the next read skips the rest of this sending branch
+      pick_rec.naarfil = voorbij_zender(pick_rec.naarfil);
     } else if (bit_test(adv_rec.aanvul_filialen, pick_rec.naarfil) && pick_rec.opdrachtnr == 0 &&
                paar_bestaat(pick_rec) && serie_gekozen(pas)) {
       iets = voer_uit(pas) || iets;
