@@ -39,6 +39,9 @@ inline std::string gluster_ontbreekt() {
     if (programma_pad(naam).empty()) return std::string(naam) + " is not installed";
   if (access("/dev/fuse", R_OK | W_OK) != 0) return "/dev/fuse is not there for us";
   if (geteuid() != 0) return "only root can mount";
+  const TempDir proef;
+  if (mount("proef", proef.pad.c_str(), "tmpfs", 0, "") != 0) return "mounting is not allowed";
+  umount(proef.pad.c_str());
   return "";
 }
 
