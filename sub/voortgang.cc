@@ -7,7 +7,7 @@
 
 SerieVoortgang::SerieVoortgang(const std::string& bezig) {
   if (scr_ctx == nullptr) return;
-  scr_clrbot(scr_ctx->lines - 1, 1);
+  scr_clreol(scr_ctx->lines, 1);
   kolom = 2 + scr_print(A_LABEL, scr_ctx->lines, 1, "%s%s", bezig, txt(T_ADVO_SERIENUMMER));
 }
 

@@ -54,6 +54,7 @@ TEST_F(Druk, ABlockOfASeriesHasALineForEachBranchThatGetsOrGives) {
   ProefKeten::voeg(dtaanv, DtAanv{WEG, 77});
   const std::string tekst = advies(adv_druk_series);
   EXPECT_NE(tekst.find("AANVULADVIES PER SERIE"), std::string::npos);
+  EXPECT_EQ(advies(adv_druk_series, 0), tekst) << "no rows: paper without end";
   EXPECT_NE(tekst.find("serienummer    omschrijving         locatie     vrkpr km  VRD  VRK fil  "
                        "maatspecificatie\n     merk      model           materiaal    dessin"),
             std::string::npos)

@@ -273,6 +273,10 @@ TEST_F(AdvVul, MastersComeWithTheSeries) {
   ser_rec.maatsoort = 0;
   ASSERT_TRUE(adv_vul());
   EXPECT_TRUE(advies.maten.empty());
+  ser_rec.maatsoort = 1;
+  sys_rec1.land = 0;  // a damaged system record
+  ASSERT_TRUE(adv_vul());
+  EXPECT_TRUE(advies.maten.empty());
 }
 
 TEST_F(AdvVul, AChainThatPointsWrongIsNotWhole) {
