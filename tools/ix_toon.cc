@@ -188,7 +188,7 @@ ordered_json dump_records(const Beeld& b, const IxOpdracht& o) {
   const int64_t einde = begin + (o.aantal < 0 ? over : std::min(o.aantal, over));
   for (int64_t nr = begin; nr < einde; ++nr) {
     if (b.k.levend[static_cast<size_t>(nr)])
-      uit.neem(nr, record_json(b.velden, b.slot(nr), o.velden));
+      uit.neem(nr, record_json(o.ruw ? Velden() : b.velden, b.slot(nr), o.velden));
     else
       uit.neem(nr, {{"verwijderd", true}, {"volgende", ix_i32(b.k.slot(nr) + 1)}});
   }
@@ -206,12 +206,13 @@ int dump_een(const Doel& d, const IxOpdracht& o, ordered_json* alle) {
     fmt::print(stderr, "ixtool: {} heeft {} blokken\n", d.naam, b.k.blokken);
     return 2;
   }
-  if (!o.records && !o.json) kop_toon(j);
+  const bool records = o.records || o.ruw;
+  if (!records && !o.json) kop_toon(j);
   if (o.blok > 0 && b.goed) {
     j["blok"] = blok_json(b, o.blok);
     if (!o.json) blok_toon(j["blok"]);
   }
-  if (o.records && b.k.kop.record_length >= 5 && !b.k.levend.empty())
+  if (records && b.k.kop.record_length >= 5 && !b.k.levend.empty())
     j["records"] = dump_records(b, o);
   alle->push_back(std::move(j));
   return b.verslag.in_orde() ? 0 : 1;

@@ -15,7 +15,9 @@ struct IxOpdracht {
   int64_t van = 0, aantal = -1;
   int sleutel = 1;  // walk
   std::vector<std::string> velden, prefix;
-  bool wis = false;  // queue
+  bool wis = false;     // queue
+  bool ruw = false;     // dump: bytes in hexadecimal, what load takes back without loss
+  std::string bestand;  // load
 };
 
 int ix_check(const IxOpdracht&);
@@ -24,6 +26,7 @@ int ix_dump(const IxOpdracht&);
 int ix_walk(const IxOpdracht&);
 int ix_stat(const IxOpdracht&);
 int ix_queue(const IxOpdracht&);
+int ix_load(const IxOpdracht&);
 
 /// What a name stands for.
 enum class DoelSoort : uint8_t { tabel, privaat, plat };

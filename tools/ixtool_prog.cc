@@ -48,6 +48,7 @@ constexpr Verb VERBS[] = {
     {"walk", "Toont de records op volgorde van een sleutel", ix_walk},
     {"stat", "Toont grootte, vulling en diepte", ix_stat},
     {"queue", "Toont of wist de sleutels in de wachtrij", ix_queue},
+    {"load", "Zet records van dump in een tabel", ix_load},
 };
 
 void eigen_opties(CLI::App* verb, const std::string& naam, IxOpdracht* o) {
@@ -56,6 +57,7 @@ void eigen_opties(CLI::App* verb, const std::string& naam, IxOpdracht* o) {
   if (naam == "dump") {
     verb->add_option("--blok", o->blok, "Blok van de index")->check(CLI::NonNegativeNumber);
     verb->add_flag("--records", o->records, "De records in plaats van de kop");
+    verb->add_flag("--ruw", o->ruw, "De records als bytes in hexadecimaal");
     verb->add_option("--van", o->van, "Eerste record")->check(CLI::NonNegativeNumber);
     verb->add_option("--aantal", o->aantal, "Aantal records")->check(CLI::NonNegativeNumber);
   }
@@ -71,6 +73,18 @@ void eigen_opties(CLI::App* verb, const std::string& naam, IxOpdracht* o) {
         ->delimiter(',')
         ->allow_extra_args(false);
   if (naam == "queue") verb->add_flag("--wis", o->wis, "Wist de wachtrij, zonder vraag");
+}
+
+void namen(CLI::App* verb, std::string_view naam, IxOpdracht* o) {
+  if (naam != "load") {
+    verb->add_option("NAAM", o->namen, "Tabel (DTPICK) of losse index (DTSER.V07); geen: alles");
+    return;
+  }
+  verb->add_option_function<std::string>(
+          "NAAM", [o](const std::string& tabel) { o->namen = {tabel}; }, "Tabel")
+      ->required();
+  verb->add_option("BESTAND", o->bestand, "Van dump --ruw, of dump --records --json; -: invoer")
+      ->required();
 }
 
 /// What is wrong with a call, in the operator's language.
@@ -140,7 +154,7 @@ int main(int argc, char** argv) {
     verb->add_option("--wacht", o.wacht, "Seconden wachten op een slot")
         ->check(CLI::NonNegativeNumber);
     eigen_opties(verb, v.naam, &o);
-    verb->add_option("NAAM", o.namen, "Tabel (DTPICK) of losse index (DTSER.V07); geen: alles");
+    namen(verb, v.naam, &o);
   }
   try {
     app.parse(argc, argv);

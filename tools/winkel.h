@@ -40,6 +40,8 @@ void verb_status(CLI::App&);
 void verb_export(CLI::App&);
 void verb_import(CLI::App&);
 void verb_backup(CLI::App&);
+/// The option --sqlite, on top of the verb export.
+void optie_sqlite(CLI::App&);
 
 /// Checks the stock tables against each other and prints what it found; true when they are sound.
 /// System records 1 and 20 stand in sys_rec1 and sys_rec20, DTSYS.TXT is closed.

@@ -72,6 +72,7 @@ int main(int argc, char** argv) {
   verb_status(app);
   verb_export(app);
   verb_import(app);
+  optie_sqlite(app);
   verb_backup(app);
   groepeer(app);
   try {
