@@ -115,6 +115,7 @@ void nederlands(CLI::App* app) {
   f->label("OPTIONS", "opties");
   f->label("SUBCOMMAND", "OPDRACHT");
   f->label("Positionals", "Namen");
+  f->label("REQUIRED", "VERPLICHT");
   f->label("TEXT", "TEKST");
   f->label("INT", "GETAL");
   app->option_defaults()->group("Opties");
