@@ -12,15 +12,15 @@ _winkel_woorden() {
 
 _winkel() {
   local programma=${COMP_WORDS[0]} huidig=${COMP_WORDS[COMP_CWORD]} vorig=${COMP_WORDS[COMP_CWORD-1]}
-  local verbs=() woord woorden
+  local verbs=() woord woorden IFS=$'\n'
   COMPREPLY=()
   case $vorig in
     -C | --test-locks | --tweede)
-      mapfile -t COMPREPLY < <(compgen -d -- "$huidig")
+      COMPREPLY=($(compgen -d -- "$huidig"))
       return
       ;;
     -o | --sqlite)
-      mapfile -t COMPREPLY < <(compgen -f -- "$huidig")
+      COMPREPLY=($(compgen -f -- "$huidig"))
       return
       ;;
   esac
@@ -32,8 +32,8 @@ _winkel() {
       woorden=$(_winkel_woorden "$programma" "${verbs[@]}")
     fi
   done
-  mapfile -t COMPREPLY < <(compgen -W "$woorden" -- "$huidig")
-  [ ${#COMPREPLY[@]} -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$huidig")
+  COMPREPLY=($(compgen -W "$woorden" -- "$huidig"))
+  [ ${#COMPREPLY[@]} -gt 0 ] || COMPREPLY=($(compgen -f -- "$huidig"))
 }
 
 complete -o filenames -F _winkel winkel ixtool
