@@ -162,7 +162,35 @@ void kale_stap(const Serienr& nr, int32_t nummer, Etiket* e, const Zending& z, b
   ioeti('W', &nummer, e);
 }
 
+/// The run's own work table of labels, filled in the order of the file.
+void kaal_werktabel(const Keten& k) {
+  constexpr TabelDef DEF{
+      "werk",
+      "werk",
+      48,
+      {"key1,NODUPS,I,25,28,I,29,32", "key2,NODUPS,I,1,4,I,5,6,I,7,8,I,25,28,I,9,10,I,29,32"}};
+  FILE* f = fopen(DC_BESTAND, "rb");
+  if (f == nullptr || !tabel_maak(DEF, "TP07W")) meet_fout("datacom", "TP07W");
+  ICB* icb = IXOPEN_LENGTE("TP07W", IX_EXCLUSIEF, 48);
+  DcRegel r;
+  for (uint32_t regel = 1; fread(&r, sizeof r, 1, f) == 1; ++regel) {
+    uint8_t rec[48] = {};
+    Etiketcode code{};
+    etikode_lees(std::string_view(r.code, sizeof r.code), &code);
+    const Serienr nr = serie_van(k, static_cast<uint32_t>(code.nummer) % k.labels);
+    memcpy(rec, &nr, sizeof nr);
+    memcpy(rec + 8, &r.datum, sizeof r.datum);
+    memcpy(rec + 24, &code.nummer, sizeof code.nummer);
+    memcpy(rec + 28, &regel, sizeof regel);
+    IXWRITE(icb, rec);
+  }
+  fclose(f);
+  IXCLOSE(icb);
+  IXREMOVE("TP07W");
+}
+
 void kaal(const Keten& k, const std::vector<int32_t>& nrs) {
+  kaal_werktabel(k);
   for (uint32_t l = 0; l < k.labels; ++l) {
     const Serienr nr = serie_van(k, l);
     int32_t nummer = nrs[l];
@@ -207,17 +235,18 @@ Rij dc_meet(uint32_t deler) {
     keur(k);
     sluit_keten();
     maak(k);
+    schrijf_bestand(nrs);
     los.push_back(tijd_van([&] { kaal(k, nrs); }));
     keur(k);
     sluit_keten();
   }
-  Rij r{"13 datacom: 100,000 lines (machine: their writes alone)",
+  Rij r{"14 datacom: 100,000 lines (machine: their writes alone)",
         "s",
         {{mediaan(ons)}},
         -1,
-        "3x its writes at most",
+        "2x its writes at most",
         -1};
   r.machine = mediaan(los);
-  r.gehaald = r.cellen[0].waarde <= 3 * r.machine ? 1 : 0;
+  r.gehaald = r.cellen[0].waarde <= 2 * r.machine ? 1 : 0;
   return r;
 }

@@ -307,7 +307,7 @@ std::vector<Rij> alles() {
     rijen.push_back(merk_meet(opzet.saldo / 20));
   }
   if (opzet.doen(12)) rijen.push_back(advies_rij());
-  if (opzet.doen(13)) {
+  if (opzet.doen(14)) {
     naar("datacom");
     zeg("datacom");
     rijen.push_back(dc_meet(1000000 / opzet.saldo));

@@ -147,7 +147,7 @@ struct Blokproef {
   Blokproef(const Blokproef&) = delete;
   Blokproef& operator=(const Blokproef&) = delete;
   bool goed(const std::vector<uint8_t>& rec) const {
-    DtSer s;
+    DtSer s{};
     Serienr eigenaar{};
     std::ranges::copy(rec, reinterpret_cast<uint8_t*>(&s));
     constexpr int64_t n = sizeof eigenaar;
