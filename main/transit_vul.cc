@@ -26,30 +26,6 @@ constexpr uint32_t SPRONG = 2147483647;  // a label past all those of a pair
 constexpr uint8_t SOORTEN = 1;           // mask of the kinds that can be finished
 constexpr const char* SORTERING = "AKV";
 
-/// Master data of a series, read once as long as the rows are of the same one.
-struct Serie {
-  ~Serie() { mtlos(&maten); }
-  Serie() = default;
-  Serie(const Serie&) = delete;
-  Serie& operator=(const Serie&) = delete;
-
-  /// True when the series is there and selected.
-  bool lees(const Serienr& nummer) {
-    if (gelezen && nr == nummer) return er;
-    nr = nummer;
-    gelezen = true;
-    er = lees_serie(dtser_opzoek, &ser_rec, nr);
-    if (!er) return false;
-    if (!lees_merk(dtmerk, &merk_rec, ser_rec.merk)) merk_rec = {};
-    mtserie(&maten, ser_rec);
-    return true;
-  }
-
-  Serienr nr{};
-  bool gelezen = false, er = false;
-  MaatHandle* maten = nullptr;
-};
-
 /// A gathering at work.
 struct Vul {
   explicit Vul(ZoekTabel soort) {
@@ -68,7 +44,7 @@ struct Vul {
   bool breekt_af() { return afgebroken = scr_ctx != nullptr && scr_interrupted(); }
 
   ICB* tabel;
-  Serie serie;
+  ZoekSerie serie{dtser_opzoek};
   int rijen = 0;
   bool afgebroken = false;
 };

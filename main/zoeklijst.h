@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "isam/ix.h"
 #include "main/opdruk.h"
 #include "sub/records.h"
 
@@ -43,6 +44,21 @@ void zoek_maak(ZoekTabel, const char* sortering);
 /// A row of a label on its way, of the series in ser_rec and the brand in merk_rec. Without a size
 /// type (null) the row has no size text and rank 0.
 Zoekregel zoek_regel(const DtGo&, int32_t etiketnr, const Etiket&, MaatHandle*);
+/// Master data of a row's series in ser_rec and merk_rec and its sizes, read once as long as the
+/// rows are of the same one.
+struct ZoekSerie {
+  explicit ZoekSerie(ICB* tabel) : opzoek(tabel) {}
+  ~ZoekSerie();
+  ZoekSerie(const ZoekSerie&) = delete;
+  ZoekSerie& operator=(const ZoekSerie&) = delete;
+  /// True when the table or the private index has the series.
+  bool lees(const Serienr&);
+
+  ICB* opzoek;
+  Serienr nr{};
+  bool gelezen = false, er = false;
+  MaatHandle* maten = nullptr;
+};
 /// Fills temp_zoek with what an execution sent under a number; `naar` -1: to all branches. Labels
 /// that went on since are left out.
 void zoek_vul(uint8_t van, int naar, uint32_t opdrachtnr);

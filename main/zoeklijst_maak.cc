@@ -34,29 +34,6 @@ const char* naam(ZoekTabel soort) {
   }
 }
 
-/// Master data of a series, read once as long as the rows are of the same one.
-struct Serie {
-  ~Serie() { mtlos(&maten); }
-  Serie() = default;
-  Serie(const Serie&) = delete;
-  Serie& operator=(const Serie&) = delete;
-
-  bool lees(const Serienr& nummer) {
-    if (gelezen && nr == nummer) return er;
-    nr = nummer;
-    gelezen = true;
-    er = lees_serie(dtser, &ser_rec, nr);
-    if (!er) return false;
-    lees_merk(dtmerk, &merk_rec, ser_rec.merk);
-    mtserie(&maten, ser_rec);
-    return true;
-  }
-
-  Serienr nr{};
-  bool gelezen = false, er = false;
-  MaatHandle* maten = nullptr;
-};
-
 bool hoort_op_lijst(const DtGo& go, uint32_t opdrachtnr) {
   return go.verzamel != 0 && go.afgewerkt == 0 && go.opdrachtnr == opdrachtnr;
 }
@@ -68,6 +45,19 @@ bool nog_gezonden(const DtGo& go, const Etiket& e) {
 }
 
 }  // namespace
+
+ZoekSerie::~ZoekSerie() { mtlos(&maten); }
+
+bool ZoekSerie::lees(const Serienr& nummer) {
+  if (gelezen && nr == nummer) return er;
+  nr = nummer;
+  gelezen = true;
+  er = lees_serie(opzoek, &ser_rec, nr);
+  if (!er) return false;
+  if (!lees_merk(dtmerk, &merk_rec, ser_rec.merk)) merk_rec = {};
+  mtserie(&maten, ser_rec);
+  return true;
+}
 
 void zoek_maak(ZoekTabel soort, const char* sortering) {
   IXREMOVE(privaat.tp);
@@ -118,7 +108,7 @@ Zoekregel zoek_regel(const DtGo& go, int32_t etiketnr, const Etiket& e, MaatHand
 void zoek_vul(uint8_t van, int naar, uint32_t opdrachtnr) {
   ICB* tabel = IXOPEN_LENGTE(privaat.tp, IX_EXCLUSIEF, sizeof(Zoekregel));
   const OpSleutel sleutel(dtgo, KEY_PAREN);
-  Serie serie;
+  ZoekSerie serie{dtser};
   DtGo go{};
   go.vanfil = van;
   go.naarfil = naar < 0 ? uint8_t{0} : static_cast<uint8_t>(naar);
