@@ -6,6 +6,7 @@
 #include "prt/prt.h"
 #include "scr/scr.h"
 #include "sub/dc_intern.h"
+#include "sub/dc_spoor.h"
 #include "sub/tabeldef.h"
 #include "sub/tabellen.h"
 #include "sub/teksten.h"
@@ -67,12 +68,14 @@ void fasen() {
   dc.maten = maten.icb;
   dc_lees();
   if (!scr_interrupted() && dc.etiketten->record_count > 0) dc_etiketten();
+  dc_spoor_begin();
   if (!scr_interrupted() && dc.maten->record_count > 0) dc_maten();
+  dc_spoor_einde();
   dc.etiketten = dc.maten = nullptr;
 }
 
 void verwijder() {
-  if (!file_delete(DC_BESTAND)) ctl_noopen(DC_MODULE, DC_BESTAND);
+  if (!dc_bestand_weg()) ctl_noopen(DC_MODULE, DC_BESTAND);
 }
 
 /// The report around a run.

@@ -7,6 +7,7 @@
 
 #include "main/controle.h"
 #include "scr/scr.h"
+#include "sub/dc_spoor.h"
 #include "sub/dc_stuk.h"
 #include "sub/tabellen.h"
 
@@ -154,7 +155,7 @@ bool lees_dag(DcTrans* t, std::vector<Post>* posten) {
   posten->clear();
   for (; meer && t->nr == eerste.nr && t->maat == eerste.maat && t->datum == eerste.datum;
        meer = IXNEXT(dc.maten, t))
-    posten->push_back({*t, t->stuks});
+    posten->push_back({*t, t->stuks - std::min(t->stuks, dc_spoor_gedaan(*t))});
   return meer;
 }
 
@@ -162,6 +163,8 @@ bool doe_serie(DcTrans* t) {
   const DcSerie serie(t->nr);
   if (!serie.vast) return dc_sla_over(dc.maten, t);
   const Serienr nr = t->nr;
+
+  dc_spoor_hervat();
   std::vector<DcStuk> stukken;
   std::vector<Post> posten;
   const bool gelezen = dc_stukken_lees(&stukken);

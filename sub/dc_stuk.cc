@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "main/controle.h"
+#include "sub/dc_spoor.h"
 #include "sub/ioeti_intern.h"
 #include "sub/tabellen.h"
 
@@ -41,15 +42,16 @@ bool label_van(const DcStuk& s, DcEtiket* l) {
 }
 
 /// Moves the label of a piece; without writing, what was read stands in for it.
-bool verplaats(DcStuk& s, const DcTrans& t, void (*doe)(DcEtiket&, const DcTrans&)) {
+bool verplaats(DcStuk& s, const DcTrans& t, DcWeg weg) {
   DcEtiket l;
   if (dc.schrijven) {
     if (!label_van(s, &l)) return false;
+    dc_spoor_noteer(weg, t, s.nummer, l.e);
   } else {
     l.e.status = s.status;
     l.e.filiaal = s.filiaal;
   }
-  doe(l, t);
+  dc_ga(weg, l, t);
   s.filiaal = l.e.filiaal;
   s.onderweg = l.e.onderweg;
   s.doel = l.e.doel;
@@ -122,7 +124,7 @@ DcStuk* DcVak::uit_voorraad(uint8_t filiaal) {
 
 bool DcVak::zend(const DcTrans& t) {
   while (DcStuk* s = uit_voorraad(t.vanfil)) {
-    if (!verplaats(*s, t, dc_zend)) continue;
+    if (!verplaats(*s, t, DcWeg::zenden)) continue;
     if (s->onderweg != 0)
       onderweg[paar_van(t)].push_back(s);
     else
@@ -134,7 +136,7 @@ bool DcVak::zend(const DcTrans& t) {
 
 bool DcVak::ontvang_los(const DcTrans& t) {
   while (DcStuk* s = uit_voorraad(t.vanfil)) {
-    if (!verplaats(*s, t, dc_ontvang_los)) continue;
+    if (!verplaats(*s, t, DcWeg::los)) continue;
     voorraad[t.naarfil].push_back(s);
     return true;
   }
@@ -142,12 +144,12 @@ bool DcVak::ontvang_los(const DcTrans& t) {
 }
 
 bool DcVak::neem_aan(DcStuk* s, const DcTrans& t) {
-  if (!verplaats(*s, t, dc_ontvang_onderweg)) return false;
+  if (!verplaats(*s, t, DcWeg::onderweg)) return false;
   voorraad[t.naarfil].push_back(s);
   return true;
 }
 
-bool DcVak::neem_aan_weg(DcStuk* s, const DcTrans& t) { return verplaats(*s, t, dc_ontvang_weg); }
+bool DcVak::neem_aan_weg(DcStuk* s, const DcTrans& t) { return verplaats(*s, t, DcWeg::verkocht); }
 
 bool DcVak::ontvang(const DcTrans& t) {
   Rij& rij = onderweg[paar_van(t)];

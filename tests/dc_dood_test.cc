@@ -42,8 +42,14 @@ struct DcDood : DcProef {
       meld(ontvang(1, 4, ""), leg(ROK, ETI_VOORRAAD, 1));
       meld(zend(1, 2, ""), leg(ROK, ETI_CORRECTIES, 1));
       ean("8711111111119", 'M', JAS, 1);
-      for (int i = 0; i < 3; ++i) leg(JAS, ETI_VOORRAAD, 1);
+      for (int i = 0; i < 6; ++i) leg(JAS, ETI_VOORRAAD, 1);
+      if (transit) {
+        for (int i = 0; i < 3; ++i) onderweg(JAS, 1, 3);
+        weg(JAS, ETI_VERKOPEN, 1, 3, DAG);
+        r.push_back(ontvang(1, 3, "8711111111119", 4));
+      }
       r.push_back(zend(1, 2, "8711111111119", 2));
+      r.push_back(ontvang(1, 4, "8711111111119", 1));
     });
     bestand(r);
     for (const auto& e : std::filesystem::directory_iterator("."))
@@ -70,7 +76,8 @@ struct DcDood : DcProef {
       if (std::ranges::count(etiketten, static_cast<int32_t>(rec.etiket)) != 0)
         uit.append(reinterpret_cast<const char*>(&rec), sizeof rec);
   }
-  /// The labels and their records, and how many pieces of JAS there are.
+  /// The labels and their records, and where the pieces of JAS are with all that was booked of
+  /// them: one piece is as good as another.
   std::string stand() {
     std::string uit;
     met([&] {
@@ -89,10 +96,12 @@ struct DcDood : DcProef {
       rec.nr = JAS;
       EXPECT_TRUE(IXREAD(dtser, &rec));
       int32_t nummer = rec.blok1;
-      int stuks = 0;
+      std::map<std::string, int> stuks;
       Etiket e{};
-      for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) ++stuks;
-      uit += str_format(" %d", stuks);
+      for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) ++stuks[staat(e)];
+      for (const auto& [waar, n] : stuks) uit += str_format(" %s: %d", waar, n);
+      uit += str_format(" go %d fin %d io %d", dtgo->record_count, dtfin->record_count,
+                        dtio->record_count);
     });
     return uit;
   }
