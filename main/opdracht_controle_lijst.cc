@@ -1,5 +1,6 @@
 // The list of what an order asked against what was sent: heads, the walk over the table, totals.
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "isam/base.h"
@@ -97,9 +98,9 @@ bool neem_serie(ControleLijst& l) {
   bool meer;
   do {
     uint32_t aantallen[MATEN];  // the record is packed
-    std::ranges::copy(l.rij.opdracht, aantallen);
+    memcpy(aantallen, l.rij.opdracht, sizeof aantallen);
     matrix_add(l.opdracht, l.rij.naarfil, aantallen);
-    std::ranges::copy(l.rij.verzonden, aantallen);
+    memcpy(aantallen, l.rij.verzonden, sizeof aantallen);
     matrix_add(l.verzonden, l.rij.naarfil, aantallen);
     meer = IXNEXT(l.tabel, &l.rij);
   } while (meer && l.rij.nr == eerste.nr && zelfde_groep(l, l.rij, eerste));
