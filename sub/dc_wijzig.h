@@ -32,7 +32,7 @@ struct DcwGrens {
   uint8_t vanfil, naarfil;             // B any
   uint16_t datum = 0;                  // 0 any
   uint32_t nummer = DCW_ALLE_NUMMERS;  // that value any
-  Serienr nr{};                        // each part 0: any
+  Serienr nr{};                        // each field 0: any
   char maat[3] = {};                   // empty any
   char code[14] = "";                  // empty any
 };
