@@ -31,7 +31,7 @@ struct Rij {
   const Tekst* tekst;
   uint8_t kolom;  // of a rubric; 0: a command
   Nodig nodig;
-  void (*doe)();  // null: not in this program
+  void (*doe)();  // null of a rubric
   Recht recht;
 };
 constexpr Rij rubriek(uint8_t kolom, const Tekst& t) {
@@ -88,9 +88,6 @@ constexpr Rij MENU[] = {
     keuze(T_MENU_STEL_CONTROLE, controle_instellen),
 };
 
-/// A menu item must have an operation; one that is not available is never called.
-void niets() {}
-
 uint8_t aanwezig() {
   const int datacom = file_size(DC_BESTAND) > 0 ? DATACOM : 0;
   return static_cast<uint8_t>(dtpick_soorten() | datacom | NIETS);
@@ -106,8 +103,7 @@ void toon(const Rij& rij, int* kolom, uint8_t er) {
     *kolom = rij.kolom;
   }
   if (rij.kolom != 0) return menu_rubric(mag(rij.recht), txt(*rij.tekst));
-  const bool kan = rij.doe != nullptr && (er & rij.nodig) != 0;
-  menu_item(mag(rij.recht), kan, txt(*rij.tekst), rij.doe != nullptr ? rij.doe : niets);
+  menu_item(mag(rij.recht), (er & rij.nodig) != 0, txt(*rij.tekst), rij.doe);
 }
 
 }  // namespace
