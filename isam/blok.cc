@@ -55,7 +55,7 @@ bool ix_lees_blok(ICB* icb, int32_t blok) {
     const int64_t n = bekend           ? IX_BLOK
                       : ix_alleen(icb) ? io_lees(icb->index_fd, &icb->block, IX_BLOK, plaats)
                                        : io_lees_heel(icb->index_fd, &icb->block, IX_BLOK, plaats,
-                                                      oud, icb->index_fd);
+                                                      oud, {-1, icb->index_fd});
     icb->block_no = blok;
     if (n != IX_BLOK) {
       icb->block = IxBlok{};
@@ -65,8 +65,15 @@ bool ix_lees_blok(ICB* icb, int32_t blok) {
     keur(icb, sleutel);
     if (!bekend) ix_weg_onthoud(icb, blok);
   }
+  icb->kop_vers = icb->kop_slot;
   if (blok != icb->key_count + 1) onthoud_pad(icb, blok);
   return true;
+}
+
+bool ix_zelfde_blok(ICB* icb) {
+  if (icb->busy != 0) ix_kapot(icb);
+  return ix_alleen(icb) ||
+         io_zelfde(icb->index_fd, &icb->block, IX_BLOK, ix_blokplaats(icb->block_no));
 }
 
 void IXRDIX(ICB* icb, int32_t blok) {
@@ -143,6 +150,7 @@ void ix_kop_open(ICB* icb) {
     --icb->busy;
   }
   icb->kop_slot = 1;  // the position is from before the lock: the first search starts at the root
+  icb->kop_vers = 0;
 }
 
 void ix_kop_dicht(ICB* icb) {

@@ -189,6 +189,31 @@ void begin(ICB* icb, char op, int lengte) {
 
 }  // namespace
 
+namespace {
+
+/// The step of a walk: the key is the entry that the handle stands on, the leaf as read again holds
+/// what it held, and the entry beside it is another key. Then that entry is the answer, and what a
+/// whole search would find.
+bool stap(ICB* icb, char op, int lengte) {
+  const IxSleutel& s = ix_sleutel(icb);
+  const int breed = ix_ingang(s), nr = ingang_nr(icb), naar = op == '>' ? nr + 1 : nr - 1;
+  if (icb->block.level != 1 || icb->entry < 5 || naar < 0 || naar >= icb->block.count) return false;
+  if (nr >= icb->block.count || memcmp(icb->key_buf, ix_plaats(icb, nr, breed), s.key_length) != 0)
+    return false;
+  if (!ix_zelfde_blok(icb)) return false;
+  const int uit = vergelijk(icb, naar, lengte);
+  if (op == '>' ? uit >= 0 : uit <= 0) return false;
+  zet_ingang(icb, naar);
+  return true;
+}
+
+}  // namespace
+
+int32_t ix_stap(ICB* icb, char op, int length) {
+  if (icb->kop_slot != 0 || icb->cached != 0 || !stap(icb, op, length)) return -1;
+  return wijzer_van(icb, ingang_nr(icb));
+}
+
 int32_t IXSEARCH(ICB* icb, char op, int length) {
   ix_test(icb, "IXSEARCH");
   if (icb->kop_slot == 1) {
@@ -313,7 +338,11 @@ namespace {
 /// Inside the header lock a handle's parents date from before it; a change starts from the root of
 /// its key. But a leaf that has the key between its first and last entry is the right one however
 /// it was found, and what stays inside it touches no parent: then the leaf alone is read.
-bool in_blad(ICB* icb, int lengte) { return icb->kop_slot == 1 && ix_weg_spring(icb, '=', lengte); }
+bool in_blad(ICB* icb, int lengte) {
+  if (icb->kop_slot != 1) return false;
+  if (icb->kop_vers != 0 && icb->block.level == 1 && ix_in_blok(icb, '=', lengte)) return true;
+  return ix_weg_spring(icb, '=', lengte);
+}
 
 /// Makes key k current for a change. Under the header lock its root need not be read for that.
 void naar_sleutel(ICB* icb, int k) {

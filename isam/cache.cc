@@ -36,12 +36,6 @@ struct Voorraad {
 };
 Voorraad v;
 
-/// A block in pieces of a cache line: one copy of this size is compiled to a slow string move.
-void kopieer(void* naar, const void* van) {
-  for (int i = 0; i < IX_BLOK; i += 64)
-    memcpy(static_cast<uint8_t*>(naar) + i, static_cast<const uint8_t*>(van) + i, 64);
-}
-
 uint8_t* inhoud(size_t plaats) { return v.geheugen + plaats * IX_BLOK; }
 
 uint8_t begin(ICB* icb) {
@@ -141,13 +135,13 @@ uint8_t IOCACHE(char actie, ICB* icb, int32_t blok) {
   size_t p = zoek(blok);
   if (actie == 'W') {
     if (p == SIZE_MAX) p = nieuwe_plaats(icb, blok);
-    kopieer(inhoud(p), &icb->block);
+    ix_kopieer(inhoud(p), &icb->block);
     v.plaatsen[p].vuil = true;
     return 1;
   }
   icb->block_no = blok;
   if (p != SIZE_MAX) {
-    kopieer(&icb->block, inhoud(p));
+    ix_kopieer(&icb->block, inhoud(p));
     return 1;
   }
   // Read before a place is made for it: a wild number must not grow the list.

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "isam/kaart.h"
+
 IoProef io_proef;
 
 namespace {
@@ -114,6 +116,7 @@ int io_open(const char* pad, bool maken) {
     return r->fd;
   }
   opening[static_cast<size_t>(fd) % BESTANDEN] = ++openingen;
+  kaart_weg(fd);
   rijen.push_back({st.st_dev, st.st_ino, fd, 1, {}});
   return fd;
 }
@@ -123,6 +126,7 @@ void io_close(int fd) noexcept {
     Rij& r = rijen[i];
     if (r.fd != fd) continue;
     if (--r.gebruik > 0) return;
+    kaart_weg(r.fd);
     close(r.fd);
     for (int ander : r.reserve) close(ander);
     if (i + 1 < rijen.size()) r = std::move(rijen.back());
@@ -142,8 +146,9 @@ bool io_bekend(const char* pad, int* fd) noexcept {
 
 uint32_t io_opening(int fd) noexcept { return opening[static_cast<size_t>(fd) % BESTANDEN]; }
 
-int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept {
-  auto* doel = static_cast<uint8_t*>(buffer);
+namespace {
+
+int64_t lees_gewoon(int fd, uint8_t* doel, size_t n, int64_t offset) {
   size_t klaar = 0;
   while (klaar < n) {
     const ssize_t deel = pread(fd, doel + klaar, n - klaar, offset + static_cast<int64_t>(klaar));
@@ -153,57 +158,131 @@ int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept {
     if (deel == 0) break;
     klaar += static_cast<size_t>(deel);
   }
-  io_proef.bytes_gelezen += klaar;
-  if (io_proef.na_lees != nullptr) io_proef.na_lees(fd, buffer, klaar, offset);
   return static_cast<int64_t>(klaar);
 }
 
-namespace {
+bool nullen(const uint8_t* p, size_t n) { return p[0] == 0 && memcmp(p, p + 1, n - 1) == 0; }
 
-constexpr int GEDULD = 100;  // rounds for a header that somebody holds
-constexpr timespec EVEN{0, 50 * 1000};
+/// From the mapping, when there is one and it leaves no doubt: zeros may stand behind the end of a
+/// file that was cut short.
+bool lees_kaart(int fd, uint8_t* doel, size_t n, int64_t offset) {
+  const uint8_t* stuk = n > 0 ? kaart_stuk(fd, offset, n) : nullptr;
+  if (stuk == nullptr) return false;
+  memcpy(doel, stuk, n);
+  if (!kaart_heel(fd) || nullen(doel, n)) return false;
+  ++io_proef.gelezen;
+  return true;
+}
 
-/// Nobody else is writing: no other process holds the header.
-bool kop_vrij(int kop_fd) noexcept {
-  struct flock slot {};
-  slot.l_type = F_RDLCK;
-  slot.l_whence = SEEK_SET;
-  slot.l_len = 512;
-  return fcntl(kop_fd, F_GETLK, &slot) != 0 || slot.l_type == F_UNLCK;
+/// The file still holds what it held; nothing is copied.
+bool zelfde_als(int fd, const void* oud, size_t n, int64_t offset) {
+  if (oud == nullptr || io_proef.na_lees != nullptr) return false;
+  const uint8_t* stuk = n > 0 ? kaart_stuk(fd, offset, n) : nullptr;
+  if (stuk == nullptr || memcmp(stuk, oud, n) != 0 || !kaart_heel(fd)) return false;
+  if (nullen(static_cast<const uint8_t*>(oud), n)) return false;
+  ++io_proef.gelezen;
+  io_proef.bytes_gelezen += n;
+  return true;
 }
 
 }  // namespace
 
-int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud,
-                     int kop_fd) noexcept {
-  if (n > STUK) return io_lees(fd, buffer, n, offset);
-  uint8_t* nu = lezing_a;
-  uint8_t* straks = lezing_b;
-  int64_t lengte = io_lees(fd, nu, n, offset);
-  if (oud != nullptr && lengte == static_cast<int64_t>(n) && memcmp(nu, oud, n) == 0) {
-    if (oud != buffer) memcpy(buffer, nu, n);
-    return lengte;
-  }
-  const uint64_t plaats = plaatscode(fd, offset, n);
-  uint64_t& bekend = afdrukken[plaats % AFDRUKKEN];
-  if (lengte == static_cast<int64_t>(n) && afdruk(nu, n, plaats) == bekend) {
-    memcpy(buffer, nu, n);
-    return lengte;
-  }
-  for (int keer = 1; lengte > 0; ++keer) {
-    const bool rust = kop_fd < 0 || keer > GEDULD || kop_vrij(kop_fd);
-    const int64_t weer = io_lees(fd, straks, n, offset);
-    if (rust && weer == lengte && memcmp(nu, straks, static_cast<size_t>(lengte)) == 0) break;
-    std::swap(nu, straks);
-    lengte = weer;
-    if (!rust)
-      nanosleep(&EVEN, nullptr);
-    else if (keer % 16 == 0)
+int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept {
+  auto* doel = static_cast<uint8_t*>(buffer);
+  const int64_t uit =
+      lees_kaart(fd, doel, n, offset) ? static_cast<int64_t>(n) : lees_gewoon(fd, doel, n, offset);
+  if (uit < 0) return uit;
+  io_proef.bytes_gelezen += static_cast<uint64_t>(uit);
+  if (io_proef.na_lees != nullptr) io_proef.na_lees(fd, buffer, static_cast<size_t>(uit), offset);
+  return uit;
+}
+
+namespace {
+
+constexpr int GEDULD = 100, VLUG = 20;  // rounds for a writer; the first of them without sleeping
+constexpr timespec EVEN{0, 50 * 1000};
+
+bool vrij(int fd, int64_t offset, size_t n) noexcept {
+  struct flock slot {};
+  slot.l_type = F_WRLCK;
+  slot.l_whence = SEEK_SET;
+  slot.l_start = offset;
+  slot.l_len = static_cast<off_t>(n);
+  return fcntl(fd, F_GETLK, &slot) != 0 || slot.l_type == F_UNLCK;
+}
+
+/// Nobody else is writing the piece now.
+bool in_rust(const IoSloten& sloten, size_t n, int64_t offset) noexcept {
+  return (sloten.stuk_fd >= 0 && vrij(sloten.stuk_fd, offset, n)) ||
+         (sloten.kop_fd >= 0 && vrij(sloten.kop_fd, 0, 512));
+}
+
+/// A piece as it was read, with room to read it again.
+struct Lezing {
+  uint8_t *nu, *weer;
+  int64_t lengte;
+};
+
+/// Reads again until two readings agree that had between them a moment at which nobody was writing.
+/// False when there was no such moment for as long as that is waited for, or nothing to tell it by.
+bool lees_tot_gelijk(Lezing& l, int fd, size_t n, int64_t offset, const IoSloten& sloten) {
+  const bool blind = sloten.stuk_fd < 0 && sloten.kop_fd < 0;
+  for (int keer = 1; l.lengte > 0; ++keer) {
+    const bool rust = !blind && in_rust(sloten, n, offset);
+    const int64_t uit = io_lees(fd, l.weer, n, offset);
+    const bool gelijk = uit == l.lengte && memcmp(l.nu, l.weer, static_cast<size_t>(uit)) == 0;
+    if (gelijk && (rust || blind || keer > GEDULD)) return rust;
+    std::swap(l.nu, l.weer);
+    l.lengte = uit;
+    if (rust || keer <= VLUG)
       sched_yield();  // let the writer finish
+    else
+      nanosleep(&EVEN, nullptr);
   }
-  if (lengte > 0) memcpy(buffer, nu, static_cast<size_t>(lengte));
-  if (lengte == static_cast<int64_t>(n)) bekend = afdruk(nu, n, plaats);
-  return lengte;
+  return false;
+}
+
+}  // namespace
+
+bool io_raak_aan(int fd, int64_t offset, size_t n) noexcept {
+  const uint8_t* stuk = kaart_stuk(fd, offset, n);
+  if (stuk == nullptr) return false;
+  for (size_t i = 0; i < n; i += 64) __builtin_prefetch(stuk + i);
+  return true;
+}
+
+bool io_zelfde(int fd, const void* oud, size_t n, int64_t offset) noexcept {
+  if (n > STUK) return false;
+  if (io_proef.na_lees == nullptr && zelfde_als(fd, oud, n, offset)) return true;
+  return io_lees(fd, lezing_a, n, offset) == static_cast<int64_t>(n) &&
+         memcmp(lezing_a, oud, n) == 0;
+}
+
+int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud,
+                     IoSloten sloten, bool* zeker) noexcept {
+  bool kwijt;
+  bool& gewis = zeker != nullptr ? *zeker : kwijt;
+  gewis = n <= STUK;
+  if (n > STUK) return io_lees(fd, buffer, n, offset);
+  if (zelfde_als(fd, oud, n, offset)) {
+    if (oud != buffer) memcpy(buffer, oud, n);
+    return static_cast<int64_t>(n);
+  }
+  const auto heel = static_cast<int64_t>(n);
+  // What the caller last saw may stand where the answer comes.
+  uint8_t* doel = oud == buffer ? lezing_a : static_cast<uint8_t*>(buffer);
+  Lezing l{doel, lezing_b, io_lees(fd, doel, n, offset)};
+  if (oud == nullptr || l.lengte != heel || memcmp(doel, oud, n) != 0) {
+    const uint64_t plaats = plaatscode(fd, offset, n);
+    uint64_t& bekend = afdrukken[plaats % AFDRUKKEN];
+    if (l.lengte != heel || afdruk(doel, n, plaats) != bekend) {
+      gewis = lees_tot_gelijk(l, fd, n, offset, sloten);
+      const bool een_pagina = offset / 4096 == (offset + heel - 1) / 4096;
+      if (l.lengte == heel && (gewis || een_pagina)) bekend = afdruk(l.nu, n, plaats);
+    }
+  }
+  if (l.nu != buffer && l.lengte > 0) memcpy(buffer, l.nu, static_cast<size_t>(l.lengte));
+  return l.lengte;
 }
 
 int64_t io_schrijf(int fd, const void* buffer, size_t n, int64_t offset) noexcept {
@@ -225,6 +304,8 @@ int64_t io_grootte(int fd) noexcept {
   return fstat(fd, &st) == 0 ? static_cast<int64_t>(st.st_size) : -1;
 }
 
+void io_kaarten(bool aan) noexcept { kaart_zet(aan); }
+
 bool io_kap(int fd, int64_t grootte) noexcept {
   if (io_proef.voor_schrijf != nullptr) io_proef.voor_schrijf(fd, grootte, 0);
   ++io_proef.geschreven;
@@ -232,5 +313,6 @@ bool io_kap(int fd, int64_t grootte) noexcept {
   do {
     uit = ftruncate(fd, grootte);
   } while (uit != 0 && errno == EINTR);
+  kaart_weg(fd);
   return uit == 0;
 }

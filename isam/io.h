@@ -1,6 +1,7 @@
 // The one place where blocks and records are read and written.
 //
-// Plain pread and pwrite, on every file system. A 512-byte write is not atomic against a reader, so
+// Writes are pwrite. Reads come from a shared mapping on local file systems (isam/kaart.h) and are
+// pread elsewhere; nobody above can tell which. A 512-byte write is not atomic against a reader, so
 // a re-read that equals what was read whole before is whole, and any other is read again until two
 // reads agree. A table's file is opened once a process: handles share descriptors through a
 // registry of device and inode, because a close of any descriptor of a file drops all the process's
@@ -24,17 +25,29 @@ uint32_t io_opening(int fd) noexcept;
 
 /// Bytes read, short at the end of file; -1 with errno. EINTR is retried.
 int64_t io_lees(int fd, void* buffer, size_t n, int64_t offset) noexcept;
-/// As io_lees, for 512-byte blocks that another process may be writing: two reads agree.
+/// Locks that a writer of a piece holds while it writes: one on the piece itself in `stuk_fd`, one
+/// on the header of the index `kop_fd`. While either is free nobody is writing the piece; -1: not
+/// known.
+struct IoSloten {
+  int stuk_fd = -1, kop_fd = -1;
+};
+/// As io_lees, for pieces that another process may be writing: two reads agree.
 /// `oud` is what the caller last saw there, or null.
-/// `kop_fd` is the index file whose header every writer of this file locks (-1: not known): a
-/// writer that is kept from going on shows half a block for so long that two reads agree on it, so
-/// they only count with a moment between them at which nobody had the header. That is waited for
-/// some milliseconds.
+/// A writer that is kept from going on shows half a piece for so long that two reads agree on it,
+/// so they only count with a moment between them at which one of `sloten` was free, if any is
+/// given. That is waited for some milliseconds; `zeker` tells whether it came.
 int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void* oud,
-                     int kop_fd = -1) noexcept;
+                     IoSloten sloten = {}, bool* zeker = nullptr) noexcept;
+/// Does the file hold there what was read whole before?
+bool io_zelfde(int fd, const void* oud, size_t n, int64_t offset) noexcept;
+/// Asks the processor for a piece that is about to be read; false where reading is no copy in
+/// memory.
+bool io_raak_aan(int fd, int64_t offset, size_t n) noexcept;
 /// Bytes written; callers do not test it. EINTR and short writes go on.
 int64_t io_schrijf(int fd, const void* buffer, size_t n, int64_t offset) noexcept;
 int64_t io_grootte(int fd) noexcept;
+/// Whether reads may come from mappings, from now on; see kaart_zet.
+void io_kaarten(bool aan) noexcept;
 /// Cuts the file at `grootte`. Counts as a write.
 bool io_kap(int fd, int64_t grootte) noexcept;
 

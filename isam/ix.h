@@ -89,7 +89,7 @@ struct ICB {
   uint8_t file_locked;  // 1: this handle holds the whole file
   uint8_t is_private;   // 1: path with a point
   uint8_t kop_slot;     // header lock held: 1 position not yet trusted, 2 position sound
-  uint8_t reserve;
+  uint8_t kop_vers;     // the buffered block was read or written under that lock
   int32_t block_no;     // number of the block in `block`
   int32_t record_no;    // current record, -1 none
   int32_t new_pointer;  // pointer that an insert stores

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <climits>
+#include <cstring>
 #include <string>
 
 #include "isam/ix.h"
@@ -51,7 +52,36 @@ inline int ix_ingang(const IxSleutel& s) { return s.key_length + 4; }
 void ix_beeld(const ICB* icb, const IxSleutel& s, const void* rec, int lengte, int32_t recno,
               uint8_t* uit);
 /// Three-way comparison of two images of a key over `lengte` bytes.
-int ix_vergelijk(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int lengte);
+int ix_vergelijk_velden(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int lengte);
+
+/// Bytes in order, as the machine's words: a key is a few of them, too few for a call of memcmp.
+inline int ix_woorden(const uint8_t* a, const uint8_t* b, int n) {
+  uint64_t x, y;
+  for (; n >= 8; n -= 8, a += 8, b += 8) {
+    memcpy(&x, a, sizeof x);
+    memcpy(&y, b, sizeof y);
+    if (x != y) return __builtin_bswap64(x) < __builtin_bswap64(y) ? -1 : 1;
+  }
+  for (; n > 0; --n, ++a, ++b)
+    if (*a != *b) return *a - *b;
+  return 0;
+}
+
+/// Has the key nothing but integer fields? Their types, at most ten, are looked at together: 'I'
+/// and zero have no bit that is in the mask, 'C' has one.
+inline bool ix_getallen(const IxSleutel& s) {
+  static_assert(IX_VELDEN == 10 && (('I' & 0xB6) == 0) && (('C' & 0xB6) != 0));
+  uint64_t acht;
+  uint16_t twee;
+  memcpy(&acht, s.field_type, sizeof acht);
+  memcpy(&twee, s.field_type + 8, sizeof twee);
+  return s.field_type[0] == 'I' && (acht & 0xB6B6B6B6B6B6B6B6U) == 0 && (twee & 0xB6B6U) == 0;
+}
+
+inline int ix_vergelijk(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int lengte) {
+  if (ix_getallen(s)) return ix_woorden(a, b, lengte < IX_SLEUTELBYTES ? lengte : IX_SLEUTELBYTES);
+  return ix_vergelijk_velden(s, a, b, lengte);
+}
 /// Bytes of the first `velden` fields; 0 or less: the whole key.
 int ix_lengte(const IxSleutel& s, int velden);
 /// Two 'C' fields of n bytes under the collation.
@@ -82,10 +112,15 @@ inline bool ix_alleen(const ICB* icb) {
 void IXRDIX(ICB*, int32_t blok);
 /// The same for one try; false when the file does not hold the block, with the buffer empty.
 bool ix_lees_blok(ICB*, int32_t blok);
+/// Reads the buffered block again; false, with the buffer as it was, when it changed.
+bool ix_zelfde_blok(ICB*);
 void IXWRIX(ICB*, int32_t blok);
 /// Sets `entry` to the first entry at or above key_buf; `gelijk` tells whether it equals it.
 int IXLOCKEY(ICB*, int lengte, bool* gelijk = nullptr);
 int32_t IXFINDBLK(ICB*, char op, int lengte);
+/// The record beside the one that the handle stands on, whose key is in key_buf, if it is in the
+/// same leaf and the leaf as read again is the same; else -1, and only a search can tell.
+int32_t ix_stap(ICB*, char op, int lengte);
 void IXINSKEY(ICB*);
 /// Removes the entry of key_buf that leads to `wijzer`; false when the key is not there.
 bool IXDELKEY(ICB*, int32_t wijzer);
@@ -113,6 +148,12 @@ void ix_weg_wis(int fd) noexcept;
 /// A search that changes nothing afterwards, where the header lock is held: the way need not be
 /// sound, only the leaf.
 int32_t ix_zoek_blad(ICB*, char op, int lengte);
+
+/// A block in pieces of a cache line: one copy of this size is compiled to a slow string move.
+inline void ix_kopieer(void* naar, const void* van) {
+  for (int i = 0; i < IX_BLOK; i += 64)
+    memcpy(static_cast<uint8_t*>(naar) + i, static_cast<const uint8_t*>(van) + i, 64);
+}
 
 inline uint8_t* ix_plaats(ICB* icb, int nr, int breed) { return icb->block.entries + nr * breed; }
 inline const uint8_t* ix_plaats(const ICB* icb, int nr, int breed) {
@@ -149,7 +190,17 @@ bool ix_levend(const uint8_t* rec, int lengte);
 int64_t IXSEEKDAT(const ICB* icb);
 /// Reads slot record_no, 0xFF where the file is short; true for a live record.
 bool IXRDDAT(const ICB* icb, void* rec);
+/// The same under this process's own lock on the record: nobody else is writing it.
+bool ix_lees_eigen(const ICB* icb, void* rec);
 void IXWRDAT(const ICB* icb, const void* rec);
+/// The start of a key that a limited read must not leave; length 0: no limit.
+struct IxGrens {
+  uint8_t sleutel[IX_SLEUTELBYTES];
+  int lengte;
+};
+/// Reads slot record_no, to which a walk in the direction of `op` has come, if it was read ahead
+/// and the file still holds the same; see isam/vooruit.cc. False: it is to be read.
+bool ix_vooruit(const ICB* icb, void* rec, char op, const IxGrens& grens);
 /// Ends the scan in slot order if it is this handle's.
 void ix_seq_los(const ICB* icb) noexcept;
 /// Two work buffers of a record's size, for one operation at a time.

@@ -15,8 +15,16 @@ IxHandvat* handvat(ICB* icb) { return reinterpret_cast<IxHandvat*>(icb); }
 
 int32_t zoek(ICB* icb, char op, int lengte) { return icb->record_no = IXSEARCH(icb, op, lengte); }
 
+/// On from key_buf; a walk mostly stays in its leaf.
+int32_t zoek_verder(ICB* icb, int lengte) {
+  icb->record_no = ix_stap(icb, '>', lengte);
+  return icb->record_no >= 0 ? icb->record_no : zoek(icb, '>', lengte);
+}
+
 /// Back from the entry that a search for '=' stopped at.
 int32_t zoek_terug(ICB* icb, int lengte) {
+  icb->record_no = ix_stap(icb, '<', lengte);
+  if (icb->record_no >= 0) return icb->record_no;
   IXSEARCH(icb, '=', lengte);
   // Inside the leaf that was just read no second look at the file is needed.
   const int32_t p = icb->block.level == 1 ? IXFINDBLK(icb, '<', lengte) : -1;
@@ -24,20 +32,18 @@ int32_t zoek_terug(ICB* icb, int lengte) {
   return icb->record_no;
 }
 
-/// The start of a key that a limited read must not leave.
-struct Grens {
-  uint8_t sleutel[IX_SLEUTELBYTES];
-  int lengte = 0;
+IxGrens grens_van(const ICB* icb, int velden) {
+  IxGrens uit;
+  uit.lengte = velden > 0 ? ix_lengte(ix_sleutel(icb), velden) : 0;
+  memcpy(uit.sleutel, icb->key_buf, sizeof uit.sleutel);
+  return uit;
+}
 
-  void zet(const ICB* icb, int velden) {
-    lengte = velden > 0 ? ix_lengte(ix_sleutel(icb), velden) : 0;
-    memcpy(sleutel, icb->key_buf, sizeof sleutel);
-  }
-  bool binnen(const ICB* icb) const {
-    const uint8_t* ingang = ix_gevonden(icb);
-    return ingang != nullptr && ix_vergelijk(ix_sleutel(icb), sleutel, ingang, lengte) == 0;
-  }
-};
+bool binnen(const ICB* icb, const IxGrens& grens) {
+  const uint8_t* ingang = ix_gevonden(icb);
+  return ingang != nullptr &&
+         ix_vergelijk(ix_sleutel(icb), grens.sleutel, ingang, grens.lengte) == 0;
+}
 
 /// Notes a record that is no longer what its entry says.
 void onthoud_scheef(ICB* icb, const void* rec) {
@@ -61,20 +67,25 @@ void sleutel_van(ICB* icb, const void* rec) {
   if (zelfde) memcpy(icb->key_buf, h->ingang, static_cast<size_t>(lengte));
 }
 
+bool lees_stap(ICB* icb, void* rec, char op, const IxGrens& grens) {
+  if (!ix_vooruit(icb, rec, op, grens)) return IXRDDAT(icb, rec);
+  return ix_levend(static_cast<const uint8_t*>(rec), icb->record_length);
+}
+
 /// From the entry found on, in the direction of `op`, to the first live record inside the limit.
-bool eerste_levende(ICB* icb, void* rec, char op, const Grens& grens) {
+bool eerste_levende(ICB* icb, void* rec, char op, const IxGrens& grens) {
   const int lengte = ix_sleutel(icb).key_length;
   IxHandvat* h = handvat(icb);
-  while (icb->record_no >= 0 && grens.binnen(icb)) {
+  while (icb->record_no >= 0 && binnen(icb, grens)) {
     memcpy(h->ingang, ix_gevonden(icb), static_cast<size_t>(lengte));
-    if (IXRDDAT(icb, rec)) {
+    if (lees_stap(icb, rec, op, grens)) {
       onthoud_scheef(icb, rec);
       return true;
     }
     // The buffer is all 0xFF now: on from the entry's own key.
     memcpy(icb->key_buf, h->ingang, static_cast<size_t>(lengte));
     if (op == '>')
-      zoek(icb, '>', lengte);
+      zoek_verder(icb, lengte);
     else
       zoek_terug(icb, lengte);
   }
@@ -83,8 +94,8 @@ bool eerste_levende(ICB* icb, void* rec, char op, const Grens& grens) {
 }
 
 /// What the reads of keys have in common: the entry found, inside the limit, goes into the record.
-bool geef_sleutel(ICB* icb, void* rec, const Grens& grens) {
-  if (icb->record_no < 0 || !grens.binnen(icb)) {
+bool geef_sleutel(ICB* icb, void* rec, const IxGrens& grens) {
+  if (icb->record_no < 0 || !binnen(icb, grens)) {
     icb->record_no = -1;
     return false;
   }
@@ -92,36 +103,31 @@ bool geef_sleutel(ICB* icb, void* rec, const Grens& grens) {
   return true;
 }
 
-/// Is nobody writing to these slots now? Changes of a table hold its header; a private index only
-/// has the record's own lock to go by.
-bool in_rust(const ICB* icb, size_t n, int64_t plaats) {
-  return icb->is_private != 0 ? file_lock('T', icb->data_fd, plaats, static_cast<int64_t>(n))
-                              : file_lock('T', icb->index_fd, 0, IX_BLOK);
-}
-
-/// How long to wait for that. A record may stay locked through somebody's lunch, and whoever holds
-/// the whole file keeps the header too: then two readings that agree have to do.
+/// How long to wait for a moment at which nobody writes. A record may stay locked through
+/// somebody's lunch, and whoever holds the whole file keeps the header too: then two readings that
+/// agree have to do.
 int64_t geduld_us(const ICB* icb) {
   if (icb->is_private != 0) return 2000;
   return file_lock('T', icb->data_fd, INT64_MAX / 2, 1) ? 200000 : 0;
 }
 
+/// The locks to tell a writer by. Changes of a table hold its header, and the record's own lock; of
+/// the table of a private index only that is known.
+IoSloten sloten_van(const ICB* icb) {
+  return {icb->data_fd, icb->is_private != 0 ? -1 : icb->index_fd};
+}
+
 /// A write that runs from one page of the file into the next can be seen half done for as long as
-/// its writer is kept from going on, and two readings then agree on the half. They only count with
-/// a moment between them at which nobody was writing.
-int64_t lees_zeker(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
-  static uint8_t weer[INT16_MAX + 1];
+/// its writer is kept from going on. It is waited for longer than one within a page.
+int64_t lees_over_pagina(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
   int64_t gewacht = 0, geduld = -1;
   for (int64_t pauze = 20;; pauze = std::min<int64_t>(pauze * 2, 1000)) {
-    const bool rust = in_rust(icb, n, plaats);
-    const int64_t uit = io_lees(icb->data_fd, weer, n, plaats);
-    if (uit != static_cast<int64_t>(n)) return uit;
-    const bool gelijk = memcmp(buffer, weer, n) == 0;
-    if (gelijk && rust) return uit;
-    if (geduld < 0) geduld = rust ? -1 : geduld_us(icb);
-    if (geduld >= 0 && gewacht >= geduld && gelijk) return uit;
-    memcpy(buffer, weer, n);
-    if (rust) continue;
+    bool zeker = false;
+    const int64_t uit =
+        io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr, sloten_van(icb), &zeker);
+    if (zeker || uit != static_cast<int64_t>(n)) return uit;
+    if (geduld < 0) geduld = geduld_us(icb);
+    if (gewacht >= geduld) return uit;
     const timespec even{0, pauze * 1000};
     nanosleep(&even, nullptr);
     gewacht += pauze;
@@ -130,11 +136,9 @@ int64_t lees_zeker(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
 
 int64_t lees_slots(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
   if (ix_alleen(icb)) return io_lees(icb->data_fd, buffer, n, plaats);
-  // The records of a private index are written under the header of their own table.
-  const int kop_fd = icb->is_private != 0 ? -1 : icb->index_fd;
-  const int64_t uit = io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr, kop_fd);
-  const bool over = uit == static_cast<int64_t>(n) && ix_over_pagina(plaats, n);
-  return over ? lees_zeker(icb, buffer, n, plaats) : uit;
+  if (ix_over_pagina(plaats, n)) return lees_over_pagina(icb, buffer, n, plaats);
+  const IoSloten sloten = icb->is_private != 0 ? IoSloten{} : sloten_van(icb);
+  return io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr, sloten);
 }
 
 }  // namespace
@@ -157,14 +161,26 @@ int64_t IXSEEKDAT(const ICB* icb) {
                 .c_str());
 }
 
-bool IXRDDAT(const ICB* icb, void* rec) {
-  const auto lengte = static_cast<size_t>(icb->record_length);
-  const int64_t n = lees_slots(icb, rec, lengte, IXSEEKDAT(icb));
-  if (n != static_cast<int64_t>(lengte)) {
-    memset(rec, 0xFF, lengte);
+namespace {
+
+bool levend_of_weg(const ICB* icb, void* rec, int64_t gelezen) {
+  if (gelezen != icb->record_length) {
+    memset(rec, 0xFF, static_cast<size_t>(icb->record_length));
     return false;
   }
   return ix_levend(static_cast<const uint8_t*>(rec), icb->record_length);
+}
+
+}  // namespace
+
+bool IXRDDAT(const ICB* icb, void* rec) {
+  const auto lengte = static_cast<size_t>(icb->record_length);
+  return levend_of_weg(icb, rec, lees_slots(icb, rec, lengte, IXSEEKDAT(icb)));
+}
+
+bool ix_lees_eigen(const ICB* icb, void* rec) {
+  const auto lengte = static_cast<size_t>(icb->record_length);
+  return levend_of_weg(icb, rec, io_lees_heel(icb->data_fd, rec, lengte, IXSEEKDAT(icb), nullptr));
 }
 
 void IXWRDAT(const ICB* icb, const void* rec) {
@@ -198,8 +214,7 @@ bool IXFIRSTR(ICB* icb, void* rec, int n) {
   const int lengte = IXKEYLEN(icb, 0);
   icb->record_no = 0;  // a key with duplicates starts at its lowest number
   IXBLDKEY(icb, rec, lengte);
-  Grens grens;
-  grens.zet(icb, n);
+  const IxGrens grens = grens_van(icb, n);
   if (zoek(icb, '=', lengte) < 0) zoek(icb, '>', lengte);
   return eerste_levende(icb, rec, '>', grens);
 }
@@ -207,17 +222,15 @@ bool IXFIRSTR(ICB* icb, void* rec, int n) {
 bool IXNEXT(ICB* icb, void* rec, int n) {
   ix_test(icb, "IXBLDKEY");
   sleutel_van(icb, rec);
-  Grens grens;
-  grens.zet(icb, n);
-  zoek(icb, '>', IXKEYLEN(icb, 0));
+  const IxGrens grens = grens_van(icb, n);
+  zoek_verder(icb, IXKEYLEN(icb, 0));
   return eerste_levende(icb, rec, '>', grens);
 }
 
 bool IXPREV(ICB* icb, void* rec, int n) {
   ix_test(icb, "IXBLDKEY");
   sleutel_van(icb, rec);
-  Grens grens;
-  grens.zet(icb, n);
+  const IxGrens grens = grens_van(icb, n);
   zoek_terug(icb, IXKEYLEN(icb, 0));
   return eerste_levende(icb, rec, '<', grens);
 }
@@ -225,8 +238,7 @@ bool IXPREV(ICB* icb, void* rec, int n) {
 bool IXFIRSTK(ICB* icb, void* rec, int n) {
   const int lengte = IXKEYLEN(icb, n);
   IXBLDKEY(icb, rec, lengte);
-  Grens grens;
-  grens.zet(icb, n - 1);
+  const IxGrens grens = grens_van(icb, n - 1);
   if (zoek(icb, '=', lengte) < 0) zoek(icb, '>', lengte);
   return geef_sleutel(icb, rec, grens);
 }
@@ -234,17 +246,15 @@ bool IXFIRSTK(ICB* icb, void* rec, int n) {
 bool IXNEXTK(ICB* icb, void* rec, int n) {
   const int lengte = IXKEYLEN(icb, n);
   IXBLDKEY(icb, rec, lengte);
-  Grens grens;
-  grens.zet(icb, n - 1);
-  zoek(icb, '>', lengte);
+  const IxGrens grens = grens_van(icb, n - 1);
+  zoek_verder(icb, lengte);
   return geef_sleutel(icb, rec, grens);
 }
 
 bool IXPREVK(ICB* icb, void* rec, int n) {
   const int lengte = IXKEYLEN(icb, n);
   IXBLDKEY(icb, rec, lengte);
-  Grens grens;
-  grens.zet(icb, n - 1);
+  const IxGrens grens = grens_van(icb, n - 1);
   zoek_terug(icb, lengte);
   return geef_sleutel(icb, rec, grens);
 }
@@ -292,12 +302,11 @@ bool IXUNIQK(ICB* icb, void* rec, int fields) {
     memset(icb->key_buf, 0, sizeof icb->key_buf);
   else
     IXBLDKEY(icb, rec, voor);
-  Grens grens;
-  grens.zet(icb, fields - 1);
+  const IxGrens grens = grens_van(icb, fields - 1);
   if (zoek(icb, '=', lengte) < 0) zoek(icb, '>', lengte);
   if (!geef_sleutel(icb, rec, grens)) return false;
   IXBLDKEY(icb, rec, lengte);
-  if (zoek(icb, '>', lengte) >= 0 && grens.binnen(icb)) {
+  if (zoek(icb, '>', lengte) >= 0 && binnen(icb, grens)) {
     icb->record_no = -1;
     return false;
   }

@@ -96,13 +96,16 @@ bool zelfde_record(const ICB* icb, const uint8_t* slot, const uint8_t* beeld) {
   return ix_vergelijk(s, nu, beeld, s.key_length) == 0;
 }
 
-/// A search whose "not there" is certain: without the header lock it may miss an entry that another
-/// process's split is moving.
+/// A search whose "not there" is certain. Without the header lock it may miss an entry that another
+/// process's split is moving; but not when it ends in a leaf that has the key between its first and
+/// last entry, because no other leaf can hold it then.
 int32_t zoek_zeker(ICB* icb, int lengte) {
   const int32_t gezien = IXSEARCH(icb, '=', lengte);
   if (gezien >= 0 || ix_alleen(icb)) return gezien;
+  if (icb->block.level == 1 && ix_in_blok(icb, '=', lengte)) return gezien;
   IXLOCK(icb, 2);
   icb->kop_slot = 1;
+  icb->kop_vers = 0;
   const int32_t zeker = ix_zoek_blad(icb, '=', lengte);
   icb->kop_slot = 0;
   IXLOCK(icb, 12);
@@ -163,7 +166,7 @@ bool IXREADL(ICB* icb, void* rec) {
     }
     if (!IXLOCK(icb, 3)) continue;
     uint8_t* slot = ix_werk(0);
-    const bool leeft = IXRDDAT(icb, slot);
+    const bool leeft = ix_lees_eigen(icb, slot);
     // Between the search and the lock it may have been deleted, and its slot used again.
     if ((!leeft || !zelfde_record(icb, slot, beeld)) && zoek() != nummer) {
       icb->record_no = nummer;

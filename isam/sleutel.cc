@@ -200,25 +200,24 @@ void IXKEYTOREC(ICB* icb, void* rec) {
   }
 }
 
-int ix_vergelijk(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int lengte) {
+int ix_vergelijk_velden(const IxSleutel& s, const uint8_t* a, const uint8_t* b, int lengte) {
   lengte = std::min(lengte, IX_SLEUTELBYTES);
   if (lengte <= 0) return 0;
   int eerste = 0;
   while (eerste < IX_VELDEN && s.field_type[eerste] == 'I') ++eerste;
-  if (eerste == IX_VELDEN || s.field_type[eerste] == 0)
-    return memcmp(a, b, static_cast<size_t>(lengte));
+  if (eerste == IX_VELDEN || s.field_type[eerste] == 0) return ix_woorden(a, b, lengte);
   int rest = lengte, plaats = 0;
   for (int i = 0; i < IX_VELDEN && rest > 0; ++i) {
     const int n = breedte(s, i);
     if (n == 0 || plaats + n > IX_SLEUTELBYTES) break;
     const int uit = s.field_type[i] == 'C' ? ix_collatie(a + plaats, b + plaats, n)
-                                           : memcmp(a + plaats, b + plaats, static_cast<size_t>(n));
+                                           : ix_woorden(a + plaats, b + plaats, n);
     if (uit != 0) return uit;
     plaats += n;
     rest -= n;
   }
   if (s.dup == 'J' && lengte == s.key_length && plaats + 4 <= IX_SLEUTELBYTES)
-    return memcmp(a + plaats, b + plaats, 4);
+    return ix_woorden(a + plaats, b + plaats, 4);
   return 0;
 }
 

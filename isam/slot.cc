@@ -43,11 +43,16 @@ int64_t nu_us() {
 }
 
 constexpr int64_t GEDULD_US = 200000;
+constexpr int VLUGGE_POGINGEN = 20;
 
 /// 'E' on a block of the index, tried again for a short while.
 bool probeer_even(int fd, int64_t offset) {
-  if (file_lock('E', fd, offset, IX_BLOK)) return true;
-  sched_yield();
+  // It is held for some microseconds: whoever has it is at work on the other core, or waits for
+  // ours.
+  for (int keer = 0; keer < VLUGGE_POGINGEN; ++keer) {
+    if (file_lock('E', fd, offset, IX_BLOK)) return true;
+    sched_yield();
+  }
   const int64_t einde = nu_us() + GEDULD_US;
   int64_t pauze_us = 50;
   while (!file_lock('E', fd, offset, IX_BLOK)) {

@@ -66,7 +66,7 @@ void ix_weg_onthoud(const ICB* icb, int32_t blok) {
   const int niveau = icb->block.level;
   if (niveau >= 2 || (niveau == 1 && icb->mode == IX_EXCLUSIEF)) {
     merken[plaats] = {icb->index_fd, blok, io_opening(icb->index_fd), tijdvak(icb->index_fd)};
-    memcpy(&beelden[plaats], &icb->block, IX_BLOK);
+    ix_kopieer(&beelden[plaats], &icb->block);
   } else if (is_van(plaats, icb->index_fd, blok)) {
     merken[plaats].blok = 0;
   }
@@ -75,7 +75,7 @@ void ix_weg_onthoud(const ICB* icb, int32_t blok) {
 bool ix_weg_blok(ICB* icb, int32_t blok) {
   const size_t plaats = plaats_van(icb->index_fd, blok);
   if (!is_van(plaats, icb->index_fd, blok)) return false;
-  memcpy(&icb->block, &beelden[plaats], IX_BLOK);
+  ix_kopieer(&icb->block, &beelden[plaats]);
   return true;
 }
 
