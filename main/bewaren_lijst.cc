@@ -91,14 +91,9 @@ struct Grenzen {
 };
 
 bool vraag_filiaal(Grenzen* g) {
-  const bool alle = g->vanfil >= filialen();
   scr_print(A_LABEL, RIJ_FILIAAL, 1, "%-18.18s:", txt(T_WIS_VANFIL));
   scr_print(A_LABEL, RIJ_FILIAAL, KOL + 6, "%s", txt(T_WIS_ENTER_ALLE));
-  key_allow(K_CANCEL);
-  uint8_t nummer = alle ? uint8_t{0} : g->vanfil;
-  fil_field(RIJ_FILIAAL, KOL, alle ? "IZP" : "ZP", &nummer);
-  if (weg_toets()) return false;
-  g->vanfil = (scr_ctx->ing_result & ING_LEEG) != 0 ? static_cast<uint8_t>(filialen()) : nummer;
+  if (!fil_of_alle(RIJ_FILIAAL, KOL, &g->vanfil)) return false;
   scr_clreol(RIJ_FILIAAL, KOL);
   scr_print(A_WAARDE, RIJ_FILIAAL, KOL, "%s",
             g->vanfil >= filialen() ? std::string(txt(T_WIS_ALLE)) : str_format("%d", g->vanfil));

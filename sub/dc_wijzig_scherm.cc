@@ -47,14 +47,9 @@ bool veld_soort(DcwGrens& g, int rij) {
 }
 
 bool veld_filiaal(uint8_t* filiaal, int rij) {
-  const bool alle = *filiaal >= filialen();
-  uint8_t nummer = alle ? uint8_t{0} : *filiaal;
   scr_clreol(rij, K_VELD);
-  key_allow(K_CANCEL);
-  fil_field(rij, K_VELD, alle ? "IZP" : "ZP", &nummer);
-  if (weg_toets()) return false;
-  *filiaal = leeg() ? static_cast<uint8_t>(filialen()) : nummer;
-  toon(rij, of_alle(leeg(), str_format("%d", nummer)));
+  if (!fil_of_alle(rij, K_VELD, filiaal)) return false;
+  toon(rij, of_alle(*filiaal >= filialen(), str_format("%d", *filiaal)));
   return true;
 }
 bool veld_van(DcwGrens& g, int rij) { return veld_filiaal(&g.vanfil, rij); }

@@ -156,6 +156,20 @@ bool veld(int row, int col, const char* formaat, uint8_t* set, int lengte) {
   return !std::equal(oud, oud + lengte, set);
 }
 
+/// A field is empty on 0, which would mean all: branch 0 stands there until a key begins the field,
+/// and Enter keeps it.
+bool nul_blijft(int row, int col) {
+  scr_print(A_WAARDE, row, col, "0");
+  scr_move(row, col);
+  scr_busy_off();
+  const int toets = key_read(nullptr);
+  scr_busy_on();
+  scr_ctx->last_key = toets;
+  if (toets == TOETS_ENTER) return true;
+  key_push(toets);
+  return false;
+}
+
 }  // namespace
 
 int pg_grens(int lengte) { return std::min({filialen(), FILIALEN_MAX, lengte * 8}); }
@@ -228,6 +242,18 @@ bool fil_field(int row, int col, const char* formaat, uint8_t* filiaal) {
     scr_ctx->ing->max = std::max(filialen() - 1, 0);
   }
   return INGAVE(row, col, veld.c_str(), filiaal);
+}
+
+bool fil_of_alle(int row, int col, uint8_t* filiaal) {
+  const bool alle = *filiaal >= filialen();
+  if (!alle && *filiaal == 0 && nul_blijft(row, col)) return true;
+  uint8_t nummer = alle ? uint8_t{0} : *filiaal;
+  key_allow(K_CANCEL);
+  fil_field(row, col, alle ? "IZP" : "ZP", &nummer);
+  if (weg_toets()) return false;
+  const bool leeg = (scr_ctx->ing_result & ING_LEEG) != 0;
+  *filiaal = leeg ? static_cast<uint8_t>(filialen()) : nummer;
+  return true;
 }
 
 int fil_digits(bool lijst) {

@@ -32,5 +32,8 @@ bool pg_field13(int row, int col, const char* formaat, uint8_t* set);
 
 /// One branch number; format gives the option letters or a whole format.
 bool fil_field(int row, int col, const char* formaat, uint8_t* filiaal);
+/// One branch, or all of them: nothing entered, filialen() in the variable. False when the operator
+/// left.
+bool fil_of_alle(int row, int col, uint8_t* filiaal);
 int fil_digits(bool lijst);
 int fil_column_attr(int n);

@@ -178,7 +178,14 @@ TEST_F(Orders, WithinTheBranchAndTheDates) {
   EXPECT_EQ(t.text(3, 21, 2), "2 ");  // the values of before
   t.type(Enter, Enter, in("040226"));
   EXPECT_SHOWS(t, "Geen informatie");
-  EXPECT_SHOWS(t.type(Enter, Esc), "KLAAR");
+  t.type(Enter, in("0"), Enter, Enter);
+  EXPECT_SHOWS(t, "Geen informatie");
+  // Branch 0 stands there too, and Enter keeps it; all is what an emptied field means.
+  t.type(Enter, Enter);
+  EXPECT_EQ(t.row(3), "Verzendfiliaal    : 0");
+  t.type(Enter, Enter, Enter, Back, Enter);
+  EXPECT_EQ(t.row(3), "Verzendfiliaal    : alle");
+  EXPECT_SHOWS(t.type(Esc), "KLAAR");
 }
 
 // Replenishment information -----------------------------------------------------------------------
