@@ -106,14 +106,14 @@ int tel(Groep& g) {
   return IXNEXT(g.icb, &rec, g.velden) ? 2 : 1;
 }
 
-/// The series of the group, chosen when there are several.
-bool kies_uit(Groep& g, Serienr* nr) {
+/// The series of the group, chosen when there are several, or when what was typed is none of them.
+bool kies_uit(Groep& g, Serienr* nr, bool onbekend = false) {
   const int aantal = tel(g);
   if (aantal == 0) {
     scr_error("%s", txt(T_VRAAG_ONBEKEND));
     return false;
   }
-  if (aantal > 1) {
+  if (aantal > 1 || onbekend) {
     BrwRec* b = brw_new(stap, zoek, kop, regel);
     if (b == nullptr) return false;
     b->data = &g;
@@ -163,12 +163,14 @@ bool zoek_model(ICB* icb, int velden, Serienr* nr) {
   DtSer rec = gevraagde_serie();
   rec.nr.kleur = rec.nr.volgnr = 0;
   Groep g{icb, velden, rec, {}, false};
-  if (gevraagd.model[0] == 0 || tel(g) == 0) {
+  const bool leeg = gevraagd.model[0] == 0;
+  const bool onbekend = !leeg && tel(g) == 0;
+  if (leeg || onbekend) {
     g.velden = velden - 1;
     g.op_model = true;
     if (tel(g) == 0) memset(g.groep.model, 0, sizeof g.groep.model);
   }
-  return kies_uit(g, nr);
+  return kies_uit(g, nr, onbekend);
 }
 
 bool zoek_artg_model(Serienr* nr) {

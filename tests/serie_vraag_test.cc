@@ -17,6 +17,9 @@ struct Vraag : AdvKeten {
       art.nummer = 10200;
       veld_zet(art.naam, sizeof art.naam, "Broeken");
       ProefKeten::voeg(dtart, art);
+      art.nummer = 10300;
+      ProefKeten::voeg(dtart, art);
+      serie({10300, 10, 1}, "ELLA", "Jurk");
       serie({10100, 20, 5}, "ANNA", "Rok wijd");
       serie({10100, 20, 1}, "ANNA", "Rok smal");
       serie({10200, 10, 1}, "ANNA", "Broek");
@@ -67,7 +70,9 @@ TEST_F(Vraag, ByBrandArticleAndModel) {
   t.type(Esc);  // nothing chosen: the fields again
   t.type(Enter, Enter, Enter);
   t.type(Down, Down, Enter);
-  t.type(Esc);
+  t.type(Enter, "10300", Enter, "zoe", Enter);  // one series, but not the model that was typed
+  EXPECT_SHOWS(t, " selecteren serie ", "10300.10.1     ELLA");
+  t.type(Esc, Esc, Esc, Esc);
   EXPECT_SHOWS(t, "KLAAR 10200.10.2 10100.20.5 weg");
 }
 
