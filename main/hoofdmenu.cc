@@ -77,6 +77,7 @@ void laad() {
 }  // namespace
 
 const char* hoofdmenu() {
+  std::string komt_van = session_caller;  // it gets the cursor the first time
   for (;;) {
     laad();
     gekozen = -1;
@@ -85,7 +86,9 @@ const char* hoofdmenu() {
     for (size_t i = 0; i < programmas.size(); ++i) {
       if (i == REGELS) menu_column();
       menu_item(true, true, programmas[i].titel.c_str(), KIEZERS[i]);
+      if (komt_van == programmas[i].naam) menu_default(KIEZERS[i]);
     }
+    komt_van.clear();
     if (terminal_rec.rechten == 'S') {
       menu_gap();
       menu_item(true, true, txt(T_GEBRUIKERS), gebruikers_lijst);

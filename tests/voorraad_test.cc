@@ -349,7 +349,9 @@ TEST_F(Weg, FromSeriesToBranch) {
   druk(t, "ZOEKLIJST");
   EXPECT_EQ(voorlopige(), 0U);
   EXPECT_GT(keten.records<DtGo>("DTGO.TXT").size(), onderweg);
-  t.type(toets::Esc, toets::Esc);
+  t.type(toets::Esc);
+  EXPECT_TRUE(t.reverse(4, 2));  // the launcher stands on the program that it comes from
+  t.type(toets::Esc);
   EXPECT_EQ(t.exit_status(), 0);
   InMap in(keten.map.pad);
   for (const std::string& fout : keten_keur())
