@@ -176,6 +176,7 @@ bool voer_filialen_in(const Filialenlijst& f) {
   key_allow(K_F5);
   pg_field(f.rij, f.kolom, str_format("%ds", restbreedte(f.kolom)).c_str(), map);
   const bool weg = weg_toets();
+  scr_clreol(promptrij(), 1);
   if (!weg) {
     if (bit_leeg(map, 32)) memset(map, 0xFF, sizeof map);
     memcpy(adv_rec.*f.map, map, sizeof map);
