@@ -40,6 +40,10 @@ bool heeft_magazijn() { return advies.groep.magazijn < advies.filialen(); }
 
 /// The stock as it will be, with the moves made up to now.
 void toon_nieuw(Svd& s) {
+  if (s.zicht != SVD_VOORRAAD) {  // the head names what is shown
+    s.naam = svd_kale_tekst(txt(T_SVD_O_VOORRAAD));
+    s.vers = true;
+  }
   s.zicht = SVD_VOORRAAD;
   s.sub = SVD_VERWERKT;
   svd_tel(advies.m_voorlopig);

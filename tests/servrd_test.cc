@@ -330,7 +330,8 @@ TEST(Wijzigen, TheWarehouseGivesNoMoreThanItHas) {
 TEST(Wijzigen, BranchesKeepTheTotalOfASize) {
   Keten k(4);
   Terminal t = toon(k, ADV_MUTATIES, niets);
-  t.type("w", "2");
+  t.type("2", "w", "2");
+  EXPECT_FALSE(t.shows("Beschikbare"));  // all of the stock is divided
   EXPECT_EQ(t.row(9), "TOT   0   0   0   0");
   t.type("6\r");
   EXPECT_EQ(t.row(25), "Meer dan de totale voorraad van deze maat");
