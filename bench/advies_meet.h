@@ -4,6 +4,7 @@
 #include "bench/tabel.h"
 
 /// Series a second of processor time, of 100 branches and 20 sizes, with the matrices filled.
-double advies_meet();
-/// The same as a row of the table.
 Rij advies_rij();
+/// Seconds of processor time for `n` different series, one filled and calculated after another; the
+/// filling does not count.
+double advies_series(uint32_t n);

@@ -15,3 +15,10 @@ void machine_schrijf(uint64_t toeval, int blokken);
 void machine_stroom(int64_t gelezen, int64_t geschreven);
 /// The balance's transfers: n records of 404 bytes read, n of 432 written and read back by place.
 void machine_pas(uint32_t n);
+
+/// Microseconds of one step, the files in memory: a block read and written at random places, a lock
+/// taken and given up, asked for, and a block copied out of a mapping.
+struct MachineKosten {
+  double lees, schrijf, slot, vraag, kopie;
+};
+MachineKosten machine_kosten();

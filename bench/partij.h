@@ -6,17 +6,20 @@
 #include <cstdint>
 #include <span>
 
+#include "bench/tabel.h"
 #include "sub/records.h"
 
 struct Partij {
-  const char* naam;
+  Kolom kolom;
   /// Opens the store of series, empty and anew when `nieuw`. A fault ends the run.
   void (*open)(bool nieuw);
   void (*sluit)();
   void (*vul)(std::span<const DtSer>);
   bool (*lees)(const Serienr&, DtSer*);
-  /// Every record in the order of key 1: the sum of their stock; null where there is no order.
+  /// Every record in the order of key 1, and by way of key 2: loop_tel over all of them. Null where
+  /// there is no order.
   uint64_t (*loop)();
+  uint64_t (*loop_tweede)();
   bool (*voeg)(const DtSer&);
   /// Adds one to the stock of a series, so that no other process's addition is lost.
   bool (*wijzig)(const Serienr&);
@@ -25,7 +28,12 @@ struct Partij {
   void (*bouw)();
 };
 
-extern const Partij PARTIJ_ONS, PARTIJ_SQLITE_WAL, PARTIJ_SQLITE_ROL, PARTIJ_LMDB, PARTIJ_BDB_CDB,
-    PARTIJ_BDB_TDS, PARTIJ_TDB;
+extern const Partij PARTIJ_ONS, PARTIJ_ONS_GEWOON, PARTIJ_SQLITE_WAL, PARTIJ_SQLITE_ROL,
+    PARTIJ_LMDB, PARTIJ_BDB_CDB, PARTIJ_BDB_TDS, PARTIJ_TDB;
+
+inline const char* partij_naam(const Partij& p) { return KOLOM_NAAM[p.kolom]; }
+
+/// A sum that tells another order too.
+inline void loop_tel(uint64_t* som, const DtSer& r) { *som = *som * 31 + r.voorraad; }
 
 [[noreturn]] void meet_fout(const char* wie, const char* wat);

@@ -132,7 +132,24 @@ uint64_t loop() {
   for (;;) {
     DBT k = dbt(een.data(), een.size()), d = dbt(&r, sizeof r);
     if (c->get(c, &k, &d, DB_NEXT) != 0) break;
-    som += r.voorraad;
+    loop_tel(&som, r);
+  }
+  c->close(c);
+  return som;
+}
+
+uint64_t loop_tweede() {
+  DBC* c;
+  eis(tweede->cursor(tweede, nullptr, &c, 0));
+  Beeld1 een;
+  Beeld2 twee;
+  DtSer r;
+  uint64_t som = 0;
+  for (;;) {
+    DBT k = dbt(twee.data(), twee.size()), d = dbt(een.data(), een.size()), rec = dbt(&r, sizeof r);
+    if (c->get(c, &k, &d, DB_NEXT) != 0) break;
+    eis(records->get(records, nullptr, &d, &rec, 0));
+    loop_tel(&som, r);
   }
   c->close(c);
   return som;
@@ -206,7 +223,7 @@ void bouw() {
 
 }  // namespace
 
-const Partij PARTIJ_BDB_CDB = {"BDB CDB", open_cdb, sluit,  vul,        lees,
-                               loop,      voeg,     wijzig, bouw_klaar, bouw};
-const Partij PARTIJ_BDB_TDS = {"BDB TDS", open_tds, sluit,  vul,     lees,
-                               loop,      voeg,     wijzig, nullptr, nullptr};
+const Partij PARTIJ_BDB_CDB = {BDB_CDB,     open_cdb, sluit,  vul,        lees, loop,
+                               loop_tweede, voeg,     wijzig, bouw_klaar, bouw};
+const Partij PARTIJ_BDB_TDS = {BDB_TDS,     open_tds, sluit,  vul,     lees,   loop,
+                               loop_tweede, voeg,     wijzig, nullptr, nullptr};

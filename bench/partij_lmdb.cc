@@ -79,22 +79,27 @@ bool lees(const Serienr& nr, DtSer* uit) {
   return er;
 }
 
-uint64_t loop() {
+/// Through a tree of a further key, or straight along the records.
+uint64_t loop_langs(MDB_dbi boom) {
   MDB_txn* txn;
   MDB_cursor* c;
   eis(mdb_txn_begin(env, nullptr, MDB_RDONLY, &txn));
-  eis(mdb_cursor_open(txn, records, &c));
-  MDB_val k, d;
+  eis(mdb_cursor_open(txn, boom, &c));
+  MDB_val k, d, rec;
   DtSer r;
   uint64_t som = 0;
   while (mdb_cursor_get(c, &k, &d, MDB_NEXT) == 0) {
-    memcpy(static_cast<void*>(&r), d.mv_data, sizeof r);
-    som += r.voorraad;
+    rec = d;
+    if (boom != records) eis(mdb_get(txn, records, &d, &rec));
+    memcpy(static_cast<void*>(&r), rec.mv_data, sizeof r);
+    loop_tel(&som, r);
   }
   mdb_cursor_close(c);
   mdb_txn_abort(txn);
   return som;
 }
+uint64_t loop() { return loop_langs(records); }
+uint64_t loop_tweede() { return loop_langs(tweede); }
 
 bool voeg(const DtSer& r) {
   MDB_txn* txn;
@@ -155,4 +160,5 @@ void bouw() {
 
 }  // namespace
 
-const Partij PARTIJ_LMDB = {"LMDB", open, sluit, vul, lees, loop, voeg, wijzig, bouw_klaar, bouw};
+const Partij PARTIJ_LMDB = {LMDB,        open, sluit,  vul,        lees, loop,
+                            loop_tweede, voeg, wijzig, bouw_klaar, bouw};

@@ -71,4 +71,5 @@ bool wijzig(const Serienr& nr) {
 
 }  // namespace
 
-const Partij PARTIJ_TDB = {"TDB", open, sluit, vul, lees, nullptr, voeg, wijzig, nullptr, nullptr};
+const Partij PARTIJ_TDB = {TDB,     open, sluit,  vul,     lees,   nullptr,
+                           nullptr, voeg, wijzig, nullptr, nullptr};

@@ -8,9 +8,10 @@
 #include "bench/tabel.h"
 #include "sub/records.h"
 
-/// Makes the chain in the current directory and gives the rows of it. Columns as in meet_prog:
-/// ours, SQLite.
+/// Makes the chain in the current directory and gives the rows of it.
 std::vector<Rij> saldo_meet(uint32_t regels);
+/// Ours alone: seconds of a run with each reader.
+Paar saldo_groei(uint32_t regels);
 
 /// The one argument of a process that runs the unattended balance in the current directory, and
 /// nothing else: its memory is the run's alone.

@@ -7,8 +7,8 @@
 
 #include "bench/tabel.h"
 
-/// Makes a demo chain in the current directory, logs its operator in and gives the rows of start
-/// and key. The launcher, `opdsaldo` and `winkel` are those of this build.
+/// Logs the operator of the demo chain in the current directory in and gives the rows of start, key
+/// and the replay of a macro. The launcher, `opdsaldo` and `winkel` are those of this build.
 std::vector<Rij> scherm_meet(int rondes);
 
 /// Makes a chain of `series` series in the current directory and selects one of its brands.

@@ -1,0 +1,28 @@
+// What is promised of each row and what is aimed at, and how a run did by it.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "bench/tabel.h"
+
+enum class Soort { VLOER, STREVEN };
+
+/// Our figure, divided by that of a column, at most `waarde`.
+struct Grens {
+  const char* rij;
+  Soort soort;
+  size_t tegen;  // a Kolom, or one of the two below
+  double waarde;
+  bool minstens = false;  // at least, instead
+};
+inline constexpr size_t TEGEN_MACHINE = KOLOMMEN;
+inline constexpr size_t TEGEN_NIETS = KOLOMMEN + 1;  // the figure itself counts
+
+std::span<const Grens> grenzen();
+
+struct Oordeel {
+  std::string tekst = "-";  // each limit with the figure reached
+  int gehaald = -1;         // of all of them; below 0: none was measured
+};
+Oordeel oordeel(const Rij& r, Soort soort);
