@@ -64,6 +64,13 @@ std::string programma_pad(const std::string& naam) {
   return naam;
 }
 
+/// The chain of programs goes on from where it starts, unless BIN names another folder: without it
+/// they would look in the data directory.
+void zet_bin(const std::string& programma) {
+  if (std::getenv("BIN") == nullptr && programma.find('/') != std::string::npos)
+    setenv("BIN", map_van(programma).c_str(), 1);
+}
+
 void locale_utf8() {
   setlocale(LC_CTYPE, "");
   if (std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0) return;
@@ -137,7 +144,7 @@ void geld() {
   laat_achter(nummer);
   iotab('C', &n, nullptr, SYS_RECORDS);
   const std::string pad = programma_pad(STARTER);
-  if (std::getenv("BIN") == nullptr && pad != STARTER) setenv("BIN", map_van(pad).c_str(), 1);
+  zet_bin(pad);
   voer_uit(pad, {STARTER, code, std::to_string(nummer), "winkel"});
 }
 
@@ -164,6 +171,7 @@ void doe_terminal(const Terminalverb& o) {
   kader(zelf);
   terminal_gereed();
   if (!o.gebruiker.empty()) meld_aan(o.gebruiker);
+  zet_bin(programma);
   voer_uit(programma, rest);
 }
 
