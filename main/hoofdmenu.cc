@@ -86,7 +86,9 @@ const char* hoofdmenu() {
     for (size_t i = 0; i < programmas.size(); ++i) {
       if (i == REGELS) menu_column();
       menu_item(true, true, programmas[i].titel.c_str(), KIEZERS[i]);
-      if (komt_van == programmas[i].naam) menu_default(KIEZERS[i]);
+      if (komt_van != programmas[i].naam) continue;
+      menu_default(KIEZERS[i]);
+      komt_van.clear();
     }
     komt_van.clear();
     if (terminal_rec.rechten == 'S') {
