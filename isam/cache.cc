@@ -38,9 +38,9 @@ Voorraad v;
 
 uint8_t* inhoud(size_t plaats) { return v.geheugen + plaats * IX_BLOK; }
 
-uint8_t begin(ICB* icb) {
+uint8_t begin(ICB* icb, size_t hoogst) {
   if (v.eigenaar != nullptr) return icb->cached;
-  for (size_t n = ix_cache_plaatsen; n >= PLAATSEN_MINST && v.geheugen == nullptr; n /= 2) {
+  for (size_t n = hoogst; n >= PLAATSEN_MINST && v.geheugen == nullptr; n /= 2) {
     const size_t bytes = (n * IX_BLOK + GROOT - 1) / GROOT * GROOT;
     v.geheugen = static_cast<uint8_t*>(aligned_alloc(GROOT, bytes));
     // Leaves are met at random: with small pages each of them misses the address cache as well.
@@ -125,7 +125,9 @@ void einde(ICB* icb) {
 
 uint8_t IOCACHE(char actie, ICB* icb, int32_t blok) {
   ix_test(icb, "IOCACHE");
-  if (actie == 'I') return begin(icb);
+  if (actie == 'I')
+    return begin(
+        icb, blok > 0 ? std::min(static_cast<size_t>(blok), ix_cache_plaatsen) : ix_cache_plaatsen);
   if (v.eigenaar != icb) return 0;
   if (actie == 'F') {
     einde(icb);

@@ -133,10 +133,26 @@ int IXBLDIX(const char* name) {
   return 1;
 }
 
+namespace {
+
+constexpr int32_t VULBLOKKEN =
+    32768;  // 16 MB: a table of half a million records stays in memory whole
+
+/// The filling of a table by IXWRITE, for whoever holds it whole.
+bool vul_begin(ICB* icb) {
+  if (icb->mode != IX_EXCLUSIEF || IOCACHE('I', icb, VULBLOKKEN) == 0) return false;
+  ix_aanhang_begin(icb);
+  IXRDIX(icb, 1);
+  return true;
+}
+
+}  // namespace
+
 bool IXBULK(char action, ICB* icb, void* rec) {
   ix_test(icb, "IXBULK");
   switch (action) {
     case 'O':
+      if (icb->is_private == 0) return vul_begin(icb);
       // An index that others may open keeps its header locked and marked until the end.
       if (!ix_alleen(icb)) ix_kop_open(icb);
       if (icb->key_count == 1 && IOCACHE('I', icb, 0) != 0) {
@@ -153,6 +169,7 @@ bool IXBULK(char action, ICB* icb, void* rec) {
         icb->record_count = icb->record_no + 1;
       return true;
     case 'C':
+      ix_aanhang_einde(icb);
       if (icb->cached != 0) {
         icb->busy = 0;
         IOCACHE('F', icb, 0);

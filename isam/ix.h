@@ -207,7 +207,10 @@ bool IXUNIQK(ICB*, void* rec, int fields);
 // Private indexes: the caller copies the table's record_no into the index handle first.
 void IXADDKEYS(ICB*, void* rec);
 void IXDELKEYS(ICB*, void* rec);
-/// The fast road into a private index of one key: 'O' begin, 'W' add, 'C' end.
+/// The fast road into a private index of one key: 'O' begin, 'W' add, 'C' end. On a table that is
+/// open in exclusive mode: between 'O' and 'C' IXWRITE writes blocks and records in larger pieces;
+/// whoever dies in between leaves a table without its index. 'O' is true when there is such a road
+/// now.
 bool IXBULK(char action, ICB*, void* rec);
 
 // Locks.

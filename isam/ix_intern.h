@@ -165,8 +165,8 @@ const uint8_t* ix_gevonden(const ICB* icb);
 int32_t ix_i32(const uint8_t* p);
 void ix_zet_i32(uint8_t* p, int32_t v);
 
-/// The write-back cache of a rebuild: 'I' begins (true when on), 'R' and 'W' a block, 'F' writes
-/// all.
+/// The write-back cache of a rebuild: 'I' begins (true when on; `blok` above 0: with at most so
+/// many blocks), 'R' and 'W' a block, 'F' writes all.
 uint8_t IOCACHE(char actie, ICB*, int32_t blok);
 /// Blocks that the cache holds at most, 50 or more; a test makes it small.
 extern size_t ix_cache_plaatsen;
@@ -193,6 +193,13 @@ bool IXRDDAT(const ICB* icb, void* rec);
 /// The same under this process's own lock on the record: nobody else is writing it.
 bool ix_lees_eigen(const ICB* icb, void* rec);
 void IXWRDAT(const ICB* icb, const void* rec);
+/// Between begin and end IXWRDAT keeps what it adds at the end of the file and writes it in pieces,
+/// for one handle at a time; see isam/aanhang.cc. `uit` writes what was kept, `aanhang` keeps the
+/// record if it can.
+void ix_aanhang_begin(const ICB* icb);
+void ix_aanhang_einde(const ICB* icb);
+void ix_aanhang_uit(const ICB* icb);
+bool ix_aanhang(const ICB* icb, const void* rec);
 /// The start of a key that a limited read must not leave; length 0: no limit.
 struct IxGrens {
   uint8_t sleutel[IX_SLEUTELBYTES];

@@ -217,6 +217,7 @@ ICB* IXOPEN_LENGTE(const char* name, int mode, int lengte) {
 
 void IXCLOSE(ICB* icb) {
   ix_test(icb, "IXCLOSE");
+  ix_aanhang_einde(icb);
   if (icb->cached != 0) IOCACHE('F', icb, 0);
   if (icb->mode == IX_EXCLUSIEF) {
     ix_kop_schrijf(icb);

@@ -135,6 +135,7 @@ int64_t lees_over_pagina(const ICB* icb, void* buffer, size_t n, int64_t plaats)
 }
 
 int64_t lees_slots(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
+  if (icb->cached != 0) ix_aanhang_uit(icb);
   if (ix_alleen(icb)) return io_lees(icb->data_fd, buffer, n, plaats);
   if (ix_over_pagina(plaats, n)) return lees_over_pagina(icb, buffer, n, plaats);
   const IoSloten sloten = icb->is_private != 0 ? IoSloten{} : sloten_van(icb);
@@ -184,6 +185,7 @@ bool ix_lees_eigen(const ICB* icb, void* rec) {
 }
 
 void IXWRDAT(const ICB* icb, const void* rec) {
+  if (icb->cached != 0 && ix_aanhang(icb, rec)) return;
   io_schrijf(icb->data_fd, rec, static_cast<size_t>(icb->record_length), IXSEEKDAT(icb));
 }
 

@@ -71,10 +71,23 @@ void haal(const ICB* icb, char op, const IxGrens& grens) {
   v.aantal = nummers;
 }
 
+/// One reading is enough for whoever has the table alone; the processor may fetch it beforehand.
+void raak_aan(const ICB* icb, char op) {
+  constexpr int AFSTAND = 4;
+  const IxSleutel& s = ix_sleutel(icb);
+  const int breed = ix_ingang(s);
+  const int nr = (icb->entry - 5) / breed + (op == '>' ? AFSTAND : -AFSTAND);
+  if (nr < 0 || nr >= icb->block.count) return;
+  const int32_t nummer = ix_i32(ix_plaats(icb, nr, breed) + s.key_length);
+  if (nummer >= 0)
+    io_raak_aan(icb->data_fd, plaats_van(icb, nummer), static_cast<size_t>(icb->record_length));
+}
+
 }  // namespace
 
 bool ix_vooruit(const ICB* icb, void* rec, char op, const IxGrens& grens) {
   const auto lengte = static_cast<size_t>(icb->record_length);
+  if (ix_alleen(icb)) raak_aan(icb, op);
   if (ix_alleen(icb) || lengte > LANGST) return false;
   if (!zelfde_loop(icb, op)) return false;
   if (v.plaats >= v.aantal || v.nummers[v.plaats] != icb->record_no) haal(icb, op, grens);

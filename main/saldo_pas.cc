@@ -112,12 +112,14 @@ void saldo_pass(int mode) {
   Pas pas{mode, nullptr};
   // The table carries the terminal's number: nobody else writes it, so no lock is needed per line.
   pas.verzamel = IXOPEN_LENGTE(privaat.tp, IX_EXCLUSIEF, sizeof(Verzamel));
+  IXBULK('O', pas.verzamel, nullptr);
   const OpSleutel sleutel(dtpick, KEY_SERIE);
   memset(&pick_rec, 0, sizeof pick_rec);
   while (!scr_interrupted() && IXNEXT(dtpick, &pick_rec)) {
     neem_groep(pas);
     if (mode == 2 && pas.gevonden) aanv_afboek(ser_rec.nr);
   }
+  IXBULK('C', pas.verzamel, nullptr);
   IXCLOSE(pas.verzamel);
 }
 
