@@ -37,8 +37,6 @@ std::string tekst_van(const Grens& g, double bereikt) {
 
 }  // namespace
 
-std::span<const Grens> grenzen() { return GRENZEN; }
-
 Oordeel oordeel(const Rij& r, Soort soort) {
   Oordeel uit;
   for (const Grens& g : GRENZEN) {
@@ -50,5 +48,18 @@ Oordeel oordeel(const Rij& r, Soort soort) {
     uit.tekst = uit.gehaald < 0 ? tekst_van(g, bereikt) : uit.tekst + ", " + tekst_van(g, bereikt);
     uit.gehaald = goed && uit.gehaald != 0 ? 1 : 0;
   }
+  return uit;
+}
+
+std::string traagste(const std::vector<Rij>& rijen) {
+  double meest = 0;
+  std::string uit;
+  for (const Rij& r : rijen)
+    for (size_t i = SQ_WAL; i < r.cellen.size(); ++i) {
+      const double deel = r.cellen[i].waarde > 0 ? r.cellen[ONS].waarde / r.cellen[i].waarde : 0;
+      if (deel <= meest) continue;
+      meest = deel;
+      uit = "Slowest against a peer: row " + r.nr + ", " + getal(deel) + " of " + KOLOM_NAAM[i];
+    }
   return uit;
 }

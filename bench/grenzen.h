@@ -1,8 +1,8 @@
 // What is promised of each row and what is aimed at, and how a run did by it.
 #pragma once
 
-#include <span>
 #include <string>
+#include <vector>
 
 #include "bench/tabel.h"
 
@@ -19,10 +19,11 @@ struct Grens {
 inline constexpr size_t TEGEN_MACHINE = KOLOMMEN;
 inline constexpr size_t TEGEN_NIETS = KOLOMMEN + 1;  // the figure itself counts
 
-std::span<const Grens> grenzen();
-
 struct Oordeel {
   std::string tekst = "-";  // each limit with the figure reached
   int gehaald = -1;         // of all of them; below 0: none was measured
 };
 Oordeel oordeel(const Rij& r, Soort soort);
+
+/// Where we take longest against a peer, in a sentence; empty where none was measured.
+std::string traagste(const std::vector<Rij>& rijen);

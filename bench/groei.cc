@@ -54,7 +54,8 @@ Groei groei_van(const char* nr, const char* naam, uint32_t eenheden, F meet) {
   for (size_t i = 0; i < DELEN.size(); ++i) {
     zeg(std::string(naam) + ", 1/" + std::to_string(DELEN[i]));
     naar("groei" + std::to_string(DELEN[i]) + "-" + nr);
-    uit.kosten[i] = maal(meet(DELEN[i]), 1 / (eenheden / DELEN[i] * MICRO));
+    const uint32_t n = eenheden / DELEN[i];
+    uit.kosten[i] = maal(meet(DELEN[i]), 1 / (n * MICRO));
   }
   return uit;
 }

@@ -103,11 +103,11 @@ template <class F>
 double stap_kosten(F stap) {
   constexpr int STAPPEN = 20000;
   Toeval t{9};
-  std::vector<double> uit;
-  for (int serie = 0; serie < 5; ++serie)
-    uit.push_back(tijd_van([&] {
+  std::vector<double> uit(5);
+  for (double& tijd : uit)
+    tijd = tijd_van([&] {
       for (int i = 0; i < STAPPEN; ++i) stap(t.volgend());
-    }));
+    });
   return mediaan(uit) / STAPPEN * 1e6;
 }
 

@@ -216,9 +216,8 @@ Rij meet_bouw() {
     if (p.bouw == nullptr) return -1.0;
     p.open(false);
     p.bouw_klaar(maat.bouw);
-    std::vector<double> tijden;
-    const bool traag = p.kolom > SQ_WAL;
-    for (int i = 0; i < (traag ? 1 : 3); ++i) tijden.push_back(tijd_van(p.bouw));
+    std::vector<double> tijden(p.kolom > SQ_WAL ? 1 : 3);
+    for (double& tijd : tijden) tijd = tijd_van(p.bouw);
     p.sluit();
     return mediaan(tijden);
   });

@@ -27,6 +27,7 @@ void op_een_kern() {
   if (een_kern) op_een_kern();
   dup2(uitgang, STDOUT_FILENO);
   std::vector<char*> argv;
+  argv.reserve(woorden.size() + 1);
   for (const std::string& w : woorden) argv.push_back(const_cast<char*>(w.c_str()));
   argv.push_back(nullptr);
   execv((std::string(BUILD_DIR "/") + woorden[0]).c_str(), argv.data());

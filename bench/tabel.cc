@@ -82,6 +82,8 @@ void tabel_druk(FILE* uit, const std::vector<Rij>& rijen, bool md) {
     }
   }
   tekst_druk(uit, t, md);
+  if (const std::string regel = traagste(rijen); !regel.empty())
+    fprintf(uit, "\n%s.\n", regel.c_str());
 }
 
 double seconden_nu() noexcept {
