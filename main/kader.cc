@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include "isam/base.h"
 #include "main/teksten.h"
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int RIJEN = 25, KOLOMMEN = 80;
 constexpr const char* IN_KADER = "WINKEL_KADER";
+constexpr std::string_view GEWEIGERD = "0";  // its value where a frame was refused
 
 bool te_klein() {
   winsize ws{};
@@ -58,7 +60,8 @@ std::string opdracht(const std::vector<std::string>& woorden) {
 }  // namespace
 
 void kader(const std::vector<std::string>& woorden) {
-  if (getenv(IN_KADER) != nullptr) {
+  if (const char* stand = getenv(IN_KADER); stand != nullptr) {
+    if (stand == GEWEIGERD) return;
     for (int i = 0; i < 100 && te_klein(); ++i) usleep(20000);
     return;
   }
@@ -66,4 +69,5 @@ void kader(const std::vector<std::string>& woorden) {
   printf("%s\n%s ", txt(T_VENSTER_KLEIN), txt(T_VENSTER_KADER));
   fflush(stdout);
   if (ja()) in_tmux(woorden);
+  setenv(IN_KADER, GEWEIGERD.data(), 1);  // what is started from here does not ask again
 }
