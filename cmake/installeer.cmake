@@ -5,8 +5,8 @@ install(TARGETS hoofdmnu opdsaldo voorraad winkel ixtool DESTINATION ${CMAKE_INS
 # The launcher looks beside its own folder for share/opdsaldo/nls.
 install(FILES ${CMAKE_BINARY_DIR}/nls/KBA351.cat ${CMAKE_BINARY_DIR}/nls/WINKEL.cat
         DESTINATION ${CMAKE_INSTALL_DATADIR}/opdsaldo/nls)
-install(FILES README.md docs/gebruik.md docs/adviezen.md docs/beheer.md docs/bestanden.md
-              docs/architectuur.md
+# Not README.md: its commands and links are those of the checkout.
+install(FILES docs/gebruik.md docs/adviezen.md docs/beheer.md docs/bestanden.md docs/architectuur.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES scripts/completion/winkel.bash RENAME winkel
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
@@ -42,7 +42,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME opdsaldo)
 set(CPACK_PACKAGE_VERSION 8.70)
 set(CPACK_PACKAGE_VENDOR opdsaldo)
-set(CPACK_PACKAGE_CONTACT "opdsaldo maintainers <root@localhost>")
+set(CPACK_PACKAGE_CONTACT "opdsaldo maintainers <opdsaldo@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "stock and collective orders of a shop chain, on terminals")
 set(CPACK_PACKAGE_DESCRIPTION
   "Series of articles in colours and sizes, labelled pieces, branches, and the collective orders
