@@ -111,20 +111,22 @@ int64_t geduld_us(const ICB* icb) {
   return file_lock('T', icb->data_fd, INT64_MAX / 2, 1) ? 200000 : 0;
 }
 
-/// The locks to tell a writer by. Changes of a table hold its header, and the record's own lock; of
-/// the table of a private index only that is known.
+/// The locks to tell a writer by: the header, which every change of a table holds, or sooner free,
+/// the record's own. Of the table of a private index only the latter is known.
 IoSloten sloten_van(const ICB* icb) {
   return {icb->data_fd, icb->is_private != 0 ? -1 : icb->index_fd};
 }
 
 /// A write that runs from one page of the file into the next can be seen half done for as long as
-/// its writer is kept from going on. It is waited for longer than one within a page.
+/// its writer is kept from going on. It is waited for longer than one within a page, and where the
+/// header is known nothing else will do: it also tells of a writer that never locked the record.
 int64_t lees_over_pagina(const ICB* icb, void* buffer, size_t n, int64_t plaats) {
   int64_t gewacht = 0, geduld = -1;
+  IoSloten sloten = sloten_van(icb);
+  if (sloten.kop_fd >= 0) sloten.stuk_fd = -1;
   for (int64_t pauze = 20;; pauze = std::min<int64_t>(pauze * 2, 1000)) {
     bool zeker = false;
-    const int64_t uit =
-        io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr, sloten_van(icb), &zeker);
+    const int64_t uit = io_lees_heel(icb->data_fd, buffer, n, plaats, nullptr, sloten, &zeker);
     if (zeker || uit != static_cast<int64_t>(n)) return uit;
     if (geduld < 0) geduld = geduld_us(icb);
     if (gewacht >= geduld) return uit;

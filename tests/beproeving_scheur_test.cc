@@ -189,6 +189,8 @@ TEST(ScheurenEcht, AReaderBesideAWriter) {
       BepRec r = bep_rec(n % 40, n % 997);
       const bool er = n % 3 == 0 ? IXREAD(icb, &r) : IXFIRSTR(icb, &r);
       if (er && !bep_heel(r)) fout = "read " + bep_toon(r);
+      for (int k = n % 5 * 10; er && k > 0 && fout.empty() && IXNEXT(icb, &r); --k)
+        if (!bep_heel(r)) fout = "walked to " + bep_toon(r);
       if (fout.empty()) fout = blok_fout(icb);
       *gelezen += er ? 1 : 0;
     }
