@@ -1,6 +1,6 @@
-// The menu of voorraad as one table. A row without a command, or whose condition does not hold,
-// stands there dim; an inquiry user gets no rows at all. What the conditions ask is looked up once
-// each time that the menu is shown.
+// The menu of voorraad as one table. A row whose condition does not hold stands there dim; an
+// inquiry user gets no rows at all. What the conditions ask is looked up once each time that the
+// menu is shown.
 #include "main/voorraad_menu.h"
 
 #include "isam/base.h"
