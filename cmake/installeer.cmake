@@ -7,6 +7,7 @@ install(FILES ${CMAKE_BINARY_DIR}/nls/KBA351.cat ${CMAKE_BINARY_DIR}/nls/WINKEL.
         DESTINATION ${CMAKE_INSTALL_DATADIR}/opdsaldo/nls)
 # Not README.md: its commands and links are those of the checkout.
 install(FILES docs/gebruik.md docs/adviezen.md docs/beheer.md docs/bestanden.md docs/architectuur.md
+              docs/snelheid.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES scripts/completion/winkel.bash RENAME winkel
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
