@@ -39,10 +39,9 @@ std::string aangehaald(const std::string& woord) {
 
 std::string opdracht(const std::vector<std::string>& woorden) {
   std::string regel = std::string("exec env ") + IN_KADER + "=1";
-  for (const char* naam :
-       {"LANG", "LC_ALL", "LC_CTYPE", "TZ", "TSTBIN", "BIN", "NLSPATH", "KOBPRT", "KOBPRTCODE",
-        "KPOS", "COMMIT", "MACRO", "MAXFMT", "SYSBUF", "MAXSYSBUF", "TERMINFO_DIRS", "ESCDELAY",
-        "KOB_INTERN", "OPDSALDO_KAART"}) {
+  for (const char* naam : {"LANG", "LC_ALL", "LC_CTYPE", "TZ", "TSTBIN", "BIN", "NLSPATH", "KOBPRT",
+                           "KOBPRTCODE", "KPOS", "COMMIT", "MACRO", "MAXFMT", "SYSBUF", "MAXSYSBUF",
+                           "TERMINFO_DIRS", "ESCDELAY", "KOB_INTERN", "OPDSALDO_KAART"}) {
     if (const char* waarde = getenv(naam); waarde != nullptr)
       regel += " " + aangehaald(std::string(naam) + "=" + waarde);
   }
