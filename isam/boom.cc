@@ -198,7 +198,8 @@ bool stap(ICB* icb, char op, int lengte) {
   const IxSleutel& s = ix_sleutel(icb);
   const int breed = ix_ingang(s), nr = ingang_nr(icb), naar = op == '>' ? nr + 1 : nr - 1;
   if (icb->block.level != 1 || icb->entry < 5 || naar < 0 || naar >= icb->block.count) return false;
-  if (nr >= icb->block.count || memcmp(icb->key_buf, ix_plaats(icb, nr, breed), s.key_length) != 0)
+  if (nr >= icb->block.count ||
+      memcmp(icb->key_buf, ix_plaats(icb, nr, breed), static_cast<size_t>(lengte)) != 0)
     return false;
   if (!ix_zelfde_blok(icb)) return false;
   const int uit = vergelijk(icb, naar, lengte);

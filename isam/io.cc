@@ -116,7 +116,7 @@ int io_open(const char* pad, bool maken) {
     return r->fd;
   }
   opening[static_cast<size_t>(fd) % BESTANDEN] = ++openingen;
-  kaart_weg(fd);
+  kaart_open(fd);
   rijen.push_back({st.st_dev, st.st_ino, fd, 1, {}});
   return fd;
 }
@@ -126,7 +126,7 @@ void io_close(int fd) noexcept {
     Rij& r = rijen[i];
     if (r.fd != fd) continue;
     if (--r.gebruik > 0) return;
-    kaart_weg(r.fd);
+    kaart_sluit(r.fd);
     close(r.fd);
     for (int ander : r.reserve) close(ander);
     if (i + 1 < rijen.size()) r = std::move(rijen.back());
@@ -313,6 +313,6 @@ bool io_kap(int fd, int64_t grootte) noexcept {
   do {
     uit = ftruncate(fd, grootte);
   } while (uit != 0 && errno == EINTR);
-  kaart_weg(fd);
+  kaart_vergeet(fd);
   return uit == 0;
 }

@@ -20,7 +20,7 @@ namespace {
 constexpr size_t BESTANDEN = 256, PAGINA = 4096;
 constexpr int64_t RUIMTE = int64_t{1} << 20;  // a file may grow so much before it is mapped anew
 
-enum class Staat : uint8_t { ONBEKEND, GEEN, OPEN };
+enum class Staat : uint8_t { GEEN, MOGELIJK, OPEN };
 
 struct Kaart {
   uint8_t* begin;
@@ -76,8 +76,10 @@ void vang_sigbus() {
 }
 
 void los(Kaart& k) {
-  if (k.staat == Staat::OPEN) munmap(k.begin, k.breed);
+  if (k.staat != Staat::OPEN) return;
+  munmap(k.begin, k.breed);
   k = Kaart{};
+  k.staat = Staat::MOGELIJK;
 }
 
 int64_t grootte_van(int fd) {
@@ -88,24 +90,20 @@ int64_t grootte_van(int fd) {
 void maak(Kaart& k, int fd) {
   const int64_t grootte = grootte_van(fd);
   if (grootte == 0) return;  // nothing to see yet; the next reader asks again
+  k.staat = Staat::GEEN;
+  if (!plaatselijk(fd)) return;
   const auto breed = static_cast<size_t>(std::max(grootte * 2, RUIMTE));
   void* uit = mmap(nullptr, breed, PROT_READ, MAP_SHARED, fd, 0);
-  if (uit == MAP_FAILED) {
-    k.staat = Staat::GEEN;
-    return;
-  }
+  if (uit == MAP_FAILED) return;
   vang_sigbus();
   k = {static_cast<uint8_t*>(uit), breed, grootte, Staat::OPEN, 0};
 }
 
 /// Makes the mapping reach up to `einde` if the file does.
 bool reikt(Kaart& k, int fd, int64_t einde) {
-  if (k.staat == Staat::ONBEKEND) {
-    if (!gewenst() || !plaatselijk(fd))
-      k.staat = Staat::GEEN;
-    else
-      maak(k, fd);
-  } else if (k.staat == Staat::OPEN) {
+  if (k.staat == Staat::MOGELIJK) {
+    if (gewenst()) maak(k, fd);
+  } else {
     k.grootte = grootte_van(fd);
     if (einde <= k.grootte && k.grootte > static_cast<int64_t>(k.breed)) {
       los(k);
@@ -136,7 +134,17 @@ bool kaart_heel(int fd) noexcept {
   return false;
 }
 
-void kaart_weg(int fd) noexcept {
+void kaart_open(int fd) noexcept {
+  kaart_sluit(fd);
+  if (fd >= 0 && static_cast<size_t>(fd) < BESTANDEN) kaarten[fd].staat = Staat::MOGELIJK;
+}
+
+void kaart_sluit(int fd) noexcept {
+  kaart_vergeet(fd);
+  if (fd >= 0 && static_cast<size_t>(fd) < BESTANDEN) kaarten[fd].staat = Staat::GEEN;
+}
+
+void kaart_vergeet(int fd) noexcept {
   if (fd >= 0 && static_cast<size_t>(fd) < BESTANDEN) los(kaarten[fd]);
 }
 

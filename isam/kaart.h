@@ -17,8 +17,11 @@ inline constexpr size_t KAART_STUK = 4096;
 const uint8_t* kaart_stuk(int fd, int64_t offset, size_t n) noexcept;
 /// False when the file was cut short under the piece: zeros were read that are not in it.
 bool kaart_heel(int fd) noexcept;
-/// Before `fd` is closed, and after this process cut its file.
-void kaart_weg(int fd) noexcept;
+/// Files that were not opened here have no mapping: their descriptors come and go unseen.
+void kaart_open(int fd) noexcept;
+void kaart_sluit(int fd) noexcept;
+/// After this process cut the file.
+void kaart_vergeet(int fd) noexcept;
 /// Whether files get a mapping from now on; those that there are go. The environment's
 /// OPDSALDO_KAART=nee has the same effect from the start.
 void kaart_zet(bool aan) noexcept;

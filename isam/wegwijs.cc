@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr size_t PLAATSEN = 2048, BESTANDEN = 256;
+constexpr size_t PLAATSEN = 16384, BESTANDEN = 256;
 
 struct Merk {
   int32_t fd, blok;
