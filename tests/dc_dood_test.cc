@@ -1,7 +1,6 @@
 // The run with a process that dies at each of its writes, and the same command again: it ends where
 // the first would have.
 #include <algorithm>
-#include <filesystem>
 #include <map>
 
 #include "tests/support/beproeving.h"
@@ -10,13 +9,6 @@
 namespace {
 
 int te_gaan;
-
-void sterf_na(int schrijfbeurten) {
-  te_gaan = schrijfbeurten;
-  io_proef.voor_schrijf = [](int, int64_t, size_t) {
-    if (te_gaan-- == 0) raise(SIGKILL);
-  };
-}
 
 constexpr const char* TABELLEN[] = {"DTGO", "DTFIN", "DTIO", "DTSER"};
 
@@ -41,7 +33,7 @@ struct DcDood : DcProef {
       }
       meld(ontvang(1, 4, ""), leg(ROK, ETI_VOORRAAD, 1));
       meld(zend(1, 2, ""), leg(ROK, ETI_CORRECTIES, 1));
-      ean("8711111111119", 'M', JAS, 1);
+      proef_ean("8711111111119", 'M', JAS, 1);
       for (int i = 0; i < 6; ++i) leg(JAS, ETI_VOORRAAD, 1);
       if (transit) {
         for (int i = 0; i < 3; ++i) onderweg(JAS, 1, 3);
@@ -52,17 +44,15 @@ struct DcDood : DcProef {
       r.push_back(ontvang(1, 4, "8711111111119", 1));
     });
     bestand(r);
-    for (const auto& e : std::filesystem::directory_iterator("."))
-      begin[e.path().filename().string()] = bytes_van(e.path().string());
-  }
-  void terug() const {
-    for (const auto& e : std::filesystem::directory_iterator(".")) std::filesystem::remove(e);
-    for (const auto& [naam, bytes] : begin) zet_bytes(naam, bytes);
+    begin = bestanden();
   }
   /// Dies at write `n`; true when it ran through.
   bool sterft(int n) {
     const std::string einde = Kind([&] {
-                                sterf_na(n);
+                                te_gaan = n;
+                                io_proef.voor_schrijf = [](int, int64_t, size_t) {
+                                  if (te_gaan-- == 0) raise(SIGKILL);
+                                };
                                 loop(true);
                                 return std::string();
                               }).einde(30);
@@ -71,8 +61,7 @@ struct DcDood : DcProef {
   }
   template <class Rec>
   void voeg_toe(std::string& uit, ICB* tabel) {
-    Rec rec{};
-    for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec))
+    for (const Rec& rec : proef_inhoud<Rec>(tabel))
       if (std::ranges::count(etiketten, static_cast<int32_t>(rec.etiket)) != 0)
         uit.append(reinterpret_cast<const char*>(&rec), sizeof rec);
   }
@@ -81,11 +70,7 @@ struct DcDood : DcProef {
   std::string stand() {
     std::string uit;
     met([&] {
-      for (int32_t n : etiketten) {
-        Etiket e{};
-        EXPECT_TRUE(ioeti('R', &n, &e));
-        uit += staat(e) + " ";
-      }
+      for (const int32_t n : etiketten) uit += staat(proef_lees(n)) + " ";
       voeg_toe<DtGo>(uit, dtgo);
       voeg_toe<DtFin>(uit, dtfin);
       voeg_toe<DtIo>(uit, dtio);
@@ -93,12 +78,8 @@ struct DcDood : DcProef {
       rec.nr = ROK;
       EXPECT_TRUE(IXREAD(dtser, &rec));
       uit += str_format(" %d", rec.datum_mutatie);
-      rec.nr = JAS;
-      EXPECT_TRUE(IXREAD(dtser, &rec));
-      int32_t nummer = rec.blok1;
       std::map<std::string, int> stuks;
-      Etiket e{};
-      for (bool er = ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e)) ++stuks[staat(e)];
+      elk(JAS, [&](int32_t, const Etiket& e) { ++stuks[staat(e)]; });
       for (const auto& [waar, n] : stuks) uit += str_format(" %s: %d", waar, n);
       uit += str_format(" go %d fin %d io %d", dtgo->record_count, dtfin->record_count,
                         dtio->record_count);
@@ -112,7 +93,7 @@ struct DcDood : DcProef {
     for (int n = 0;; ++n) {
       SCOPED_TRACE("dies at write " + std::to_string(n));
       ASSERT_LT(n, 2000);
-      terug();
+      zet_bestanden(begin);
       const bool heel = sterft(n);
       EXPECT_EQ(dc_aanwezig(), !heel);
       for (const char* naam : TABELLEN)

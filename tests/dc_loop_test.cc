@@ -8,13 +8,9 @@ namespace {
 struct DcLoop : DcProef {
   DtSer serie_nu(const Serienr& nr) {
     DtSer rec{};
-    met([&] { EXPECT_TRUE(lees_vast(nr, &rec)); });
+    rec.nr = nr;
+    met([&] { EXPECT_TRUE(IXREAD(dtser, &rec)); });
     return rec;
-  }
-  static bool lees_vast(const Serienr& nr, DtSer* rec) {
-    *rec = DtSer{};
-    rec->nr = nr;
-    return IXREAD(dtser, rec);
   }
   int32_t nieuw(uint8_t filiaal, uint8_t status = ETI_VOORRAAD) {
     int32_t n = 0;
@@ -114,12 +110,9 @@ TEST_F(DcLoop, ATripElsewhereIsUndone) {
 
 TEST_F(DcLoop, WhatWasMissedAtStocktakingIsStockAgain) {
   const int32_t n = nieuw(2, ETI_CORRECTIES);
-  met([&] {
-    DtSer rec{};
-    lees_vast(ROK, &rec);
-    rec.correcties = 3;
-    IXWRITE(dtser, &rec);
-  });
+  DtSer rec = serie_nu(ROK);
+  rec.correcties = 3;
+  met([&] { IXWRITE(dtser, &rec); });
   // Refused, but found.
   EXPECT_NE(verwerk({zend(1, 2, code(n))}).find("Inventarisatie"), std::string::npos);
   EXPECT_EQ(staat(n), "2");

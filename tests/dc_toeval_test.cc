@@ -1,7 +1,6 @@
 // Days reported in any order, and long runs of anything at all. A seed is printed with a failure;
 // OPDSALDO_DATACOM_STAPPEN sets the number of transactions of the long run.
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <numeric>
 #include <random>
@@ -21,20 +20,9 @@ struct Toeval {
 struct DcToeval : DcProef {
   static constexpr const char *S = "8711111111119", *M = "8722222222228";
 
-  static std::map<std::string, std::string> bewaar() {
-    std::map<std::string, std::string> uit;
-    for (const auto& e : std::filesystem::directory_iterator("."))
-      uit[e.path().filename().string()] = bytes_van(e.path().string());
-    return uit;
-  }
-  static void zet_terug(const std::map<std::string, std::string>& files) {
-    std::filesystem::remove(DC_BESTAND);
-    for (const auto& [naam, bytes] : files) zet_bytes(naam, bytes);
-  }
   template <class Rec>
   static void voeg_toe(std::string& uit, ICB* tabel) {
-    Rec rec{};
-    for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec))
+    for (const Rec& rec : proef_inhoud<Rec>(tabel))
       uit.append(reinterpret_cast<const char*>(&rec), sizeof rec);
   }
   /// All labels, and all records of moves in the order of their keys.
@@ -48,15 +36,6 @@ struct DcToeval : DcProef {
       voeg_toe<DtIo>(uit, dtio);
     });
     return uit;
-  }
-  static void elk(const Serienr& nr, const std::function<void(int32_t, const Etiket&)>& doe) {
-    DtSer rec{};
-    rec.nr = nr;
-    ASSERT_TRUE(IXREAD(dtser, &rec));
-    int32_t nummer = rec.blok1;
-    Etiket e{};
-    for (bool er = nummer >= 0 && ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e))
-      doe(nummer, e);
   }
 
   /// A label's way past branches that it sees once, each step reported by a send, a receive or
@@ -94,11 +73,11 @@ TEST_F(DcToeval, TheOrderWithinADayDoesNotMatter) {
           reis(t, leg(ROK, ETI_VOORRAAD, static_cast<uint8_t>(plaatsen[0])), plaatsen, regels);
         }
       });
-      const auto begin = bewaar();
+      const auto begin = bestanden();
       verwerk(regels);
       const std::string soll = stand();
       for (int keer2 = 0; keer2 < 3; ++keer2) {
-        zet_terug(begin);
+        zet_bestanden(begin);
         std::ranges::shuffle(regels, t.bron);
         verwerk(regels);
         EXPECT_TRUE(stand() == soll);
@@ -112,8 +91,8 @@ struct DcLang : DcToeval {
 
   void vul(Toeval& t) {
     met([&] {
-      ean(S, 'M', JAS, 1);
-      ean(M, 'M', JAS, 2);
+      proef_ean(S, 'M', JAS, 1);
+      proef_ean(M, 'M', JAS, 2);
       for (int i = 0; i < 150; ++i) {
         const auto filiaal = static_cast<uint8_t>(t.tot(FILIALEN));
         const uint8_t status = t.tot(12) == 0  ? ETI_VERKOPEN

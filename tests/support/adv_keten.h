@@ -81,6 +81,14 @@ struct AdvKeten : testing::Test {
     ProefKeten::voeg(dtaanv, DtAanv{nr, static_cast<uint32_t>(nummer)});
     return nummer;
   }
+  /// The series counts its pieces by size.
+  static void met_maten(const Serienr& nr) {
+    DtSer rec{};
+    rec.nr = nr;
+    ASSERT_TRUE(IXREAD(dtser, &rec));
+    rec.maatregistratie = 1;
+    IXWRITE(dtser, &rec);
+  }
   static void regel(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t opdracht = 0) {
     proef_regel(van, naar, nr, {{1, stuks}}, opdracht, "");
   }

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstring>
+#include <filesystem>
+#include <map>
 #include <vector>
 
 #include "isam/ix.h"
@@ -18,13 +20,7 @@ struct DcProef : AdvKeten {
 
   void SetUp() override {
     AdvKeten::SetUp();
-    met([&] {
-      DtSer jas{};
-      jas.nr = JAS;
-      ASSERT_TRUE(IXREAD(dtser, &jas));
-      jas.maatregistratie = 1;
-      IXWRITE(dtser, &jas);
-    });
+    met([] { met_maten(JAS); });
   }
   /// Work in the open chain; the transit administration and the till link as the test has them.
   void met(const std::function<void()>& doe) {
@@ -40,19 +36,15 @@ struct DcProef : AdvKeten {
   static int32_t leg(
       const Serienr& nr, uint8_t status, uint8_t filiaal, uint8_t maat = 1,
       const std::function<void(Etiket&)>& anders = [](Etiket&) {}) {
-    int32_t nummer = stuk(nr, status, maat, filiaal);
-    Etiket e{};
-    EXPECT_TRUE(ioeti('R', &nummer, &e));
-    anders(e);
-    ioeti('W', &nummer, &e);
+    const int32_t nummer = stuk(nr, status, maat, filiaal);
+    proef_wijzig(nummer, anders);
     return nummer;
   }
   /// On its way, with the records of its send.
   static int32_t onderweg(const Serienr& nr, uint8_t van, uint8_t naar, uint32_t opdracht = 0,
                           uint8_t maat = 1) {
-    int32_t nummer = leg(nr, ETI_VOORRAAD, van, maat);
-    Etiket e{};
-    ioeti('R', &nummer, &e);
+    const int32_t nummer = leg(nr, ETI_VOORRAAD, van, maat);
+    Etiket e = proef_lees(nummer);
     EXPECT_TRUE(serie_wacht(nr));
     zend_etiket(nummer, &e, {van, naar, opdracht, DAG - 5, 0}, false);
     serie_los();
@@ -69,16 +61,6 @@ struct DcProef : AdvKeten {
     go_nieuw(nummer, {van, naar, opdracht, DAG - 5, 0});
     serie_los();
     return nummer;
-  }
-  static void ean(const char* code, char soort, const Serienr& nr, uint8_t maat) {
-    DtEan rec{};
-    veld_zet(rec.code, sizeof rec.code, code);
-    rec.soort = soort;
-    rec.kleur = nr.kleur;
-    rec.artgroep = nr.artgroep;
-    rec.volgnr = nr.volgnr;
-    rec.maat = maat;
-    ProefKeten::voeg(dtean, rec);
   }
 
   // What is reported -----------------------------------------------------------------------------
@@ -148,18 +130,36 @@ struct DcProef : AdvKeten {
     return uit;
   }
   std::string staat(int32_t nummer) {
-    Etiket e{};
-    met([&] { ioeti('R', &nummer, &e); });
-    return staat(e);
+    std::string uit;
+    met([&] { uit = staat(proef_lees(nummer)); });
+    return uit;
   }
   template <class Rec>
   std::vector<Rec> alles(ICB*& tabel) {
     std::vector<Rec> uit;
-    met([&] {
-      Rec rec{};
-      for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
-    });
+    met([&] { uit = proef_inhoud<Rec>(tabel); });
     return uit;
+  }
+  /// All labels of a series.
+  static void elk(const Serienr& nr, const std::function<void(int32_t, const Etiket&)>& doe) {
+    DtSer rec{};
+    rec.nr = nr;
+    ASSERT_TRUE(IXREAD(dtser, &rec));
+    int32_t nummer = rec.blok1;
+    Etiket e{};
+    for (bool er = nummer >= 0 && ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e))
+      doe(nummer, e);
+  }
+  /// All files of the chain by name.
+  static std::map<std::string, std::string> bestanden() {
+    std::map<std::string, std::string> uit;
+    for (const auto& e : std::filesystem::directory_iterator("."))
+      uit[e.path().filename().string()] = bytes_van(e.path().string());
+    return uit;
+  }
+  static void zet_bestanden(const std::map<std::string, std::string>& alle) {
+    for (const auto& e : std::filesystem::directory_iterator(".")) std::filesystem::remove(e);
+    for (const auto& [naam, bytes] : alle) zet_bytes(naam, bytes);
   }
   static bool tabellen_heel() {
     for (const char* naam : {"DTGO", "DTFIN", "DTIO", "DTSER"})

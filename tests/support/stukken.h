@@ -1,6 +1,8 @@
 // What a chain under test holds: pieces, chains of blocks that lead astray, order lines, names.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <initializer_list>
 #include <utility>
 #include <vector>
@@ -26,6 +28,30 @@ inline int32_t proef_stuk(Etiket e) {
     IXWRITE(dtser, &rec);
   }
   return nummer;
+}
+
+inline Etiket proef_lees(int32_t nummer) {
+  Etiket e{};
+  EXPECT_TRUE(ioeti('R', &nummer, &e)) << nummer;
+  return e;
+}
+template <class Doe>
+void proef_wijzig(int32_t nummer, const Doe& doe) {
+  Etiket e = proef_lees(nummer);
+  doe(e);
+  ioeti('W', &nummer, &e);
+}
+
+/// The code of a size, or of a small article.
+inline void proef_ean(const char* code, char soort, const Serienr& nr, uint8_t maat) {
+  DtEan rec{};
+  veld_zet(rec.code, sizeof rec.code, code);
+  rec.soort = soort;
+  rec.kleur = nr.kleur;
+  rec.artgroep = nr.artgroep;
+  rec.volgnr = nr.volgnr;
+  rec.maat = maat;
+  IXWRITE(dtean, &rec);
 }
 
 /// Makes the chain go on from a block into another.
@@ -64,10 +90,10 @@ inline void proef_namen(uint32_t artgroep, const char* naam) {
   iotab('W', &nummer, &kleur, SYS_KLEUREN);
 }
 
-/// All records of a table by its first key.
+/// All records of a table by a key.
 template <class Rec>
-std::vector<Rec> proef_inhoud(ICB* tabel) {
-  const OpSleutel sleutel(tabel, 1);
+std::vector<Rec> proef_inhoud(ICB* tabel, int sleutel = 1) {
+  const OpSleutel op(tabel, sleutel);
   std::vector<Rec> uit;
   Rec rec{};
   for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
