@@ -9,22 +9,11 @@
 #include "sub/muteren.h"
 #include "tests/support/agent.h"
 #include "tests/support/bestand.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
 constexpr Serienr BLOUSE{10100, 10, 1}, BROEK{10200, 310, 4};
-
-template <class Rec>
-std::vector<Rec> alles(ICB* tabel, int sleutel) {
-  std::vector<Rec> uit;
-  const int oud = tabel->block.key_number;
-  IXSWITCH(tabel, sleutel);
-  Rec rec{};
-  for (bool er = IXFIRSTR(tabel, &rec); er; er = IXNEXT(tabel, &rec)) uit.push_back(rec);
-  IXSWITCH(tabel, oud);
-  return uit;
-}
 
 struct Muteren : ::testing::Test {
   Keten keten;
@@ -54,18 +43,13 @@ struct Muteren : ::testing::Test {
     serie_schrijf();
     return nummer;
   }
-  static Etiket lees(int32_t nummer) {
-    Etiket e{};
-    EXPECT_TRUE(ioeti('R', &nummer, &e));
-    return e;
-  }
 };
 
 TEST_F(Muteren, ASendLeavesTransitMoneyAndTheLabelOnItsWay) {
   open();
   int32_t nummer = etiket(ETI_VOORRAAD, 1);
   ASSERT_TRUE(serie_wacht(BLOUSE));
-  Etiket e = lees(nummer);
+  Etiket e = proef_lees(nummer);
   const uint16_t vandaag = date_today();
   // The books know it at branch 1, the send comes from 2: the money goes from 1.
   zend_etiket(nummer, &e, {2, 4, 20000011, vandaag, 1}, true);
@@ -73,21 +57,16 @@ TEST_F(Muteren, ASendLeavesTransitMoneyAndTheLabelOnItsWay) {
   serie_schrijf();
   sleutels_staan();
 
-  e = lees(nummer);
-  EXPECT_EQ(e.status, ETI_VOORRAAD);
-  EXPECT_EQ(e.filiaal, 2);
-  EXPECT_EQ(e.onderweg, 1);
-  EXPECT_EQ(e.doel, 4);
+  e = proef_lees(nummer);
+  EXPECT_TRUE(e.status == ETI_VOORRAAD && e.filiaal == 2 && e.onderweg == 1 && e.doel == 4);
   ASSERT_TRUE(go_lees(nummer));
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(&go_rec), 4), std::string("\2\4\1\0", 4));
   EXPECT_EQ(go_rec.opdrachtnr, 20000011u);
   EXPECT_TRUE(go_rec.nr == BLOUSE && go_rec.soort == 1 && go_rec.afgewerkt == 0);
   EXPECT_EQ(go_rec.zenddatum, vandaag);
-  const auto fin = alles<DtFin>(dtfin, 1);
+  const auto fin = proef_inhoud<DtFin>(dtfin, 1);
   ASSERT_EQ(fin.size(), 1u);
-  EXPECT_EQ(fin[0].houder, 1);
-  EXPECT_EQ(fin[0].vanfil, 2);
-  EXPECT_EQ(fin[0].naarfil, 4);
+  EXPECT_TRUE(fin[0].houder == 1 && fin[0].vanfil == 2 && fin[0].naarfil == 4);
   EXPECT_EQ(fin[0].regel, 0u);
   EXPECT_EQ(bytes_van("KASMUT.TXT"), str_format("002255F%08ld\n004255F%08ld\n", nummer, nummer));
 
@@ -101,13 +80,12 @@ TEST_F(Muteren, ASendLeavesTransitMoneyAndTheLabelOnItsWay) {
   zend_etiket(nummer, &e, {2, 5, 0, static_cast<uint16_t>(vandaag - 3), 0}, false);
   EXPECT_EQ(ser_rec.datum_mutatie, vandaag) << "an older send does not set the date back";
   serie_los();
-  e = lees(nummer);
-  EXPECT_EQ(e.filiaal, 5);
-  EXPECT_EQ(e.onderweg, 0);
-  EXPECT_EQ(alles<DtFin>(dtfin, 1).size(), 1u);
-  EXPECT_EQ(alles<DtGo>(dtgo, 1).size(), 1u) << "one transit a label: the new trip replaces it";
-  ASSERT_TRUE(go_lees(nummer));
-  EXPECT_EQ(go_rec.naarfil, 5);
+  e = proef_lees(nummer);
+  EXPECT_TRUE(e.filiaal == 5 && e.onderweg == 0);
+  EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 1u);
+  EXPECT_EQ(proef_inhoud<DtGo>(dtgo, 1).size(), 1u)
+      << "one transit a label: the new trip replaces it";
+  EXPECT_TRUE(go_lees(nummer) && go_rec.naarfil == 5);
   EXPECT_EQ(file_size("KASMUT.TXT"), 32) << "no lines were asked for";
 }
 
@@ -121,17 +99,15 @@ TEST_F(Muteren, TransitIsFinishedOrDeletedAndAMissingOneIsNoTrouble) {
   go_afwerken(19);
   go_verwijder(19);
   sleutels_staan();
-  const auto go = alles<DtGo>(dtgo, 1);
+  const auto go = proef_inhoud<DtGo>(dtgo, 1);
   ASSERT_EQ(go.size(), 1u);
-  EXPECT_EQ(go[0].etiket, 17u);
-  EXPECT_EQ(go[0].afgewerkt, 1);
+  EXPECT_TRUE(go[0].etiket == 17 && go[0].afgewerkt == 1);
   EXPECT_FALSE(go_lees(19));
   EXPECT_EQ(go_rec.etiket, 0u);
   // Nothing stayed locked: another trip replaces the finished one.
   go_nieuw(17, {3, 1, 20000028, 45001, 0});
   ASSERT_TRUE(go_lees(17));
-  EXPECT_EQ(go_rec.afgewerkt, 0);
-  EXPECT_EQ(go_rec.vanfil, 3);
+  EXPECT_TRUE(go_rec.afgewerkt == 0 && go_rec.vanfil == 3);
   serie_los();
 }
 
@@ -145,7 +121,7 @@ TEST_F(Muteren, LinesAreNumberedPerLabelAndDay) {
   fin_nieuw(18, 3, {0, 3, 0, 45000, 0});  // stands there already
   serie_los();
   std::string nummers;
-  for (const DtFin& f : alles<DtFin>(dtfin, 2))
+  for (const DtFin& f : proef_inhoud<DtFin>(dtfin, 2))
     nummers += str_format("%lu/%u/%lu ", f.etiket, f.datum, f.regel);
   EXPECT_EQ(nummers, "17/45000/0 17/45000/1 17/45001/0 18/45000/0 ");
 }
@@ -156,19 +132,19 @@ TEST_F(Muteren, AReversalDeletesOrCountersTheLastLineOfItsPair) {
   fin_nieuw(17, 6, {0, 3, 0, 45000, 0});
   EXPECT_EQ(fin_terug(17, 0, 4, 45002), 0) << "another pair: nothing to reverse";
   EXPECT_EQ(fin_terug(99, 5, 4, 45002), 5) << "no line at all";
-  EXPECT_EQ(alles<DtFin>(dtfin, 1).size(), 1u);
+  EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 1u);
   EXPECT_EQ(fin_terug(17, 0, 3, 45002), 6) << "the holder, not the sender";
-  EXPECT_TRUE(alles<DtFin>(dtfin, 1).empty());
+  EXPECT_TRUE(proef_inhoud<DtFin>(dtfin, 1).empty());
   EXPECT_EQ(IXCHECK("DTFIN"), 1);
 
   fin_nieuw(17, 6, {0, 3, 0, 45002, 0});
-  DtFin regel = alles<DtFin>(dtfin, 1).front();
+  DtFin regel = proef_inhoud<DtFin>(dtfin, 1).front();
   regel.afgerekend = 1;
   memset(regel.afrekening, 7, sizeof regel.afrekening);
   IXWRITE(dtfin, &regel);
   EXPECT_EQ(fin_terug(17, 0, 3, 45002), 6);
   serie_los();
-  const auto fin = alles<DtFin>(dtfin, 2);
+  const auto fin = proef_inhoud<DtFin>(dtfin, 2);
   ASSERT_EQ(fin.size(), 2u);
   EXPECT_EQ(memcmp(&fin[0], &regel, sizeof regel), 0) << "what was settled stays";
   DtFin tegen{};
@@ -187,16 +163,16 @@ TEST_F(Muteren, AReceiptNobodySent) {
   open();
   const int32_t nummer = etiket(ETI_VOORRAAD, 1);
   ASSERT_TRUE(serie_wacht(BLOUSE));
-  Etiket e = lees(nummer);
+  Etiket e = proef_lees(nummer);
   ontvang_etiket(nummer, &e, {2, 4, 20000011, 45010, 0});
   serie_schrijf();
-  EXPECT_EQ(lees(nummer).filiaal, 4);
+  EXPECT_EQ(proef_lees(nummer).filiaal, 4);
   EXPECT_FALSE(go_lees(nummer));
-  const auto io = alles<DtIo>(dtio, 1);
+  const auto io = proef_inhoud<DtIo>(dtio, 1);
   ASSERT_EQ(io.size(), 1u);
   DtIo soll{4, 2, 45010, static_cast<uint32_t>(nummer), 20000011, date_today(), 0, 0};
   EXPECT_EQ(memcmp(&io[0], &soll, sizeof soll), 0);
-  EXPECT_EQ(alles<DtFin>(dtfin, 1).front().houder, 1);
+  EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).front().houder, 1);
   EXPECT_EQ(bytes_van("KASMUT.TXT"), str_format("002255F%08ld\n004255F%08ld\n", nummer, nummer));
 }
 
@@ -208,22 +184,22 @@ TEST_F(Muteren, AMoveMadeAgainIsBookedOnce) {
   ASSERT_TRUE(serie_wacht(BLOUSE));
   const Zending heen{1, 4, 0, 45010, 0}, terug{4, 1, 0, 45010, 0};
   for (int keer = 0; keer < 2; ++keer) {
-    Etiket e = lees(nummer);
+    Etiket e = proef_lees(nummer);
     if (keer == 1) e.filiaal = 1, e.onderweg = e.doel = 0;  // as if it had never been written
     zend_etiket(nummer, &e, heen, false);
-    EXPECT_EQ(alles<DtFin>(dtfin, 1).size(), 1u);
+    EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 1u);
   }
-  Etiket e = lees(nummer);
+  Etiket e = proef_lees(nummer);
   e.filiaal = 4;
   e.onderweg = e.doel = 0;
   for (int keer = 0; keer < 2; ++keer) {
     Etiket opnieuw = e;
     ontvang_etiket(nummer, &opnieuw, terug);
-    EXPECT_EQ(alles<DtFin>(dtfin, 1).size(), 2u);
+    EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 2u);
   }
-  e = lees(nummer);
+  e = proef_lees(nummer);
   zend_etiket(nummer, &e, heen, false);
-  EXPECT_EQ(alles<DtFin>(dtfin, 1).size(), 3u);
+  EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 3u);
   serie_schrijf();
 }
 
@@ -232,12 +208,10 @@ TEST_F(Muteren, ACorrectedLabelComesBackInTheCounters) {
   const int32_t nummer = etiket(ETI_CORRECTIES, 1);
   ASSERT_TRUE(serie_wacht(BLOUSE));
   ser_rec.correcties = 1;
-  Etiket e = lees(nummer);
+  Etiket e = proef_lees(nummer);
   etiket_terug_voorraad(&e);
-  EXPECT_EQ(e.status, ETI_VOORRAAD);
-  EXPECT_EQ(e.vrkdat, 0);
-  EXPECT_EQ(ser_rec.voorraad, 1u);
-  EXPECT_EQ(ser_rec.correcties, 0u);
+  EXPECT_TRUE(e.status == ETI_VOORRAAD && e.vrkdat == 0);
+  EXPECT_TRUE(ser_rec.voorraad == 1 && ser_rec.correcties == 0);
   EXPECT_EQ(bytes_van("KASMUT.TXT"), "255255d101000100001\n");
   etiket_terug_voorraad(&e, false);
   EXPECT_EQ(ser_rec.correcties, 0u) << "a counter that was wrong does not turn round";
