@@ -114,17 +114,34 @@ bool sleutel_geldig(const IxSleutel& s, int record_length) {
 
 }  // namespace
 
+namespace {
+
+bool tellers_geldig(const ICB* icb) {
+  return icb->record_count >= 0 && icb->next_block >= icb->key_count + 2;
+}
+
+}  // namespace
+
 bool ix_kop_geldig(const ICB* icb) {
   // Five bytes are what a deleted slot takes: the mark and the chain.
   if (icb->key_count < 1 || icb->key_count > IX_SLEUTELS || icb->record_length < 5) return false;
-  if (icb->record_count < 0 || icb->next_block < icb->key_count + 2) return false;
   for (int k = 0; k < icb->key_count; ++k)
     if (!sleutel_geldig(icb->keys[k], icb->record_length)) return false;
-  return true;
+  return tellers_geldig(icb);
 }
 
 void ix_kop_lees(ICB* icb) {
-  if (io_lees(icb->index_fd, icb, IX_KOP, 0) != IX_KOP || !ix_kop_geldig(icb)) ix_kapot(icb);
+  // Definitions stay as they are while a table is open: looked at once, they are compared.
+  auto* h = reinterpret_cast<IxHandvat*>(icb);
+  if (io_lees(icb->index_fd, icb, IX_KOP, 0) != IX_KOP) ix_kapot(icb);
+  const bool bekend = h->gekeurd && memcmp(h->sleutels, icb->keys, sizeof icb->keys) == 0 &&
+                      h->aantal == icb->key_count && h->lengte == icb->record_length;
+  if (!(bekend ? tellers_geldig(icb) : ix_kop_geldig(icb))) ix_kapot(icb);
+  if (bekend) return;
+  memcpy(h->sleutels, icb->keys, sizeof icb->keys);
+  h->aantal = icb->key_count;
+  h->lengte = icb->record_length;
+  h->gekeurd = true;
 }
 
 void ix_kop_schrijf(const ICB* icb) {

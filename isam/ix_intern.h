@@ -7,7 +7,7 @@
 
 #include "isam/ix.h"
 
-/// What is allocated behind every handle: its block, and what only the reads need.
+/// What is allocated behind every handle: its block, and what only the rooms of the engine need.
 struct IxHandvat {
   ICB icb;
   // The last record that was read through an entry which no longer is its key (a private index over
@@ -16,6 +16,11 @@ struct IxHandvat {
   int32_t scheef_key;
   uint8_t beeld[IX_SLEUTELBYTES];   // key of the record as it was read
   uint8_t ingang[IX_SLEUTELBYTES];  // key of the entry
+  // The definitions of the header that was last found sound.
+  bool gekeurd;
+  int8_t aantal;
+  int16_t lengte;
+  IxSleutel sleutels[IX_SLEUTELS];
 };
 
 /// Files of a table or private index by its name.

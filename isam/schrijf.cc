@@ -10,9 +10,19 @@
 
 namespace {
 
+/// No byte of the key's fields differs: then the images need not be made.
+bool zelfde_velden(const IxSleutel& s, const uint8_t* oud, const uint8_t* rec) {
+  for (int i = 0; i < IX_VELDEN && s.field_type[i] != 0; ++i) {
+    const int van = s.field_start[i] - 1, n = s.field_end[i] - van;
+    if (memcmp(oud + van, rec + van, static_cast<size_t>(n)) != 0) return false;
+  }
+  return true;
+}
+
 /// A change of one key of the record in record_no, if the images differ.
 void wissel_sleutel(ICB* icb, int k, const uint8_t* oud, const void* rec) {
   const IxSleutel& s = icb->keys[k - 1];
+  if (zelfde_velden(s, oud, static_cast<const uint8_t*>(rec))) return;
   uint8_t voor[IX_SLEUTELBYTES], na[IX_SLEUTELBYTES];
   ix_beeld(icb, s, rec, s.key_length, icb->record_no, na);
   ix_beeld(icb, s, oud, s.key_length, icb->record_no, voor);
