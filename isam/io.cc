@@ -270,7 +270,7 @@ int64_t io_lees_heel(int fd, void* buffer, size_t n, int64_t offset, const void*
   }
   const auto heel = static_cast<int64_t>(n);
   // What the caller last saw may stand where the answer comes.
-  uint8_t* doel = oud == buffer ? lezing_a : static_cast<uint8_t*>(buffer);
+  uint8_t* doel = oud != nullptr && oud == buffer ? lezing_a : static_cast<uint8_t*>(buffer);
   Lezing l{doel, lezing_b, io_lees(fd, doel, n, offset)};
   if (oud == nullptr || l.lengte != heel || memcmp(doel, oud, n) != 0) {
     const uint64_t plaats = plaatscode(fd, offset, n);
