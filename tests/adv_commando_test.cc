@@ -1,6 +1,5 @@
 // The advice commands as an operator has them: what stands of earlier orders, the dialog, the
 // claims between terminals, and the order lines that come of it.
-#include "main/batchvw.h"
 #include "sub/adv_opdracht.h"
 #include "sub/adv_vul.h"
 #include "sub/muteren.h"
@@ -22,14 +21,10 @@ struct Automatisch : AdvKeten {
       for (const int maat : {1, 2, 2, 2}) stuk(ROK, ETI_VOORRAAD, static_cast<uint8_t>(maat), 0);
       for (const int maat : {1, 1, 2}) verkocht(ROK, static_cast<uint8_t>(maat), 3);
       verkocht(ROK, 2, 4);
-      voeg_weg();
+      for (const uint32_t weg : {77u, 78u}) ProefKeten::voeg(dtaanv, DtAanv{WEG, weg});
       stuk(JAS, ETI_VOORRAAD, 1, 0);
       verkocht(JAS, 1, 2);
     });
-  }
-  static void voeg_weg() {
-    ProefKeten::voeg(dtaanv, DtAanv{WEG, 77});
-    ProefKeten::voeg(dtaanv, DtAanv{WEG, 78});
   }
 };
 
@@ -100,43 +95,33 @@ TEST_F(Automatisch, TheDialogChangesTheCriteriaOnlyWhenItIsConfirmed) {
     return str_format("bron %d vanuit %d aanvul %d", r.bron_soort, r.vanuit_filialen[0],
                       r.aanvul_filialen[0]);
   };
-  const auto wijzig = [](Terminal& t) {
-    t.type("N", Enter);
-    EXPECT_SHOWS(t, "Magazijn en filialen");
-    t.type(Up, Up, Enter);
+  for (const bool akkoord : {false, true}) {
+    Terminal t = draai(opdracht_automatisch, krit);
+    t.type("N", Enter, Up, Up, Enter);
     EXPECT_SHOWS(t, "Vanuit magazijnen", "Ingave magazijnen, gescheiden door komma's");
-    t.type("0", Enter);
-    EXPECT_SHOWS(t, "Ingave filialen, gescheiden door komma's");
-    t.type("4-5", Enter);
+    t.type("0", Enter, "4-5", Enter);
     EXPECT_ROWS(t, 6, R"(
  Aanvullen vanuit     Magazijn
  Vanuit magazijnen    0
  Aanvullen filialen   4-5
 )");
-  };
-  Terminal t = draai(opdracht_automatisch, krit);
-  wijzig(t);
-  t.type(Esc);
-  EXPECT_SHOWS(t, "KLAAR bron 3 vanuit 255 aanvul 255");
-  EXPECT_EQ(regels(), "");
-  Terminal u = draai(opdracht_automatisch, krit);
-  wijzig(u);
-  u.type(Enter);
-  EXPECT_SHOWS(u, "KLAAR bron 1 vanuit 1 aanvul 48");
-  EXPECT_EQ(regels(), "0>4 10100.10.1 2x1\n");
+    t.type(akkoord ? Enter : Esc);
+    EXPECT_SHOWS(
+        t, akkoord ? "KLAAR bron 1 vanuit 1 aanvul 48" : "KLAAR bron 3 vanuit 255 aanvul 255");
+    EXPECT_EQ(regels(), akkoord ? "0>4 10100.10.1 2x1\n" : "");
+  }
 }
 
 /// The second of two series has a chain that leads into the first one's: nothing is written for it.
 TEST_F(Automatisch, ASeriesThatCannotBeReadWholeIsTold) {
   stukken();
   met_keten([] {
-    DtSer rok{}, jas{};
+    DtSer rok{};
     rok.nr = ROK;
-    jas.nr = JAS;
     IXREAD(dtser, &rok);
-    IXREAD(dtser, &jas);
-    jas.blok1 = rok.blok1;
-    IXWRITE(dtser, &jas);
+    ASSERT_TRUE(serie_wacht(JAS));
+    ser_rec.blok1 = rok.blok1;
+    serie_schrijf();
   });
   Terminal t = start();
   t.type(Enter);
@@ -144,55 +129,6 @@ TEST_F(Automatisch, ASeriesThatCannotBeReadWholeIsTold) {
   t.type(Enter);
   EXPECT_SHOWS(t, "KLAAR");
   EXPECT_EQ(regels(), "0>3 10100.10.1 1x1 2x1\n0>4 10100.10.1 2x1\n");
-}
-
-/// Another terminal that claims functions of the same chain.
-std::string claimer(const std::string& map, const std::string& wat) {
-  if (session_terminal != 5) {
-    std::filesystem::current_path(map);
-    session_terminal = 5;
-    int32_t nummer = 1;
-    iotab('O', &nummer, &sys_rec1, SYS_RECORDS);
-  }
-  const int functie = std::stoi(wat.substr(1));
-  const int64_t band = 40085 + 99 * functie;
-  switch (wat[0]) {
-    case 's':
-      return vw_claim(functie, false) ? "ja" : "nee";
-    case 'x':
-      return vw_claim_excl(functie) ? "ja" : "nee";
-    case 'u':
-      vw_free_excl(functie);
-      return "los";
-    default:  // whether nobody else holds any of it
-      return vw_lock('T', iotab_fd(), band, 99) ? "vrij" : "bezet";
-  }
-}
-
-TEST_F(Automatisch, WaitsForOrderLinesInUseAndGivesUpOnRequest) {
-  stukken();
-  const std::string map = keten.map.pad;
-  Agent ander([map](const std::string& wat) { return claimer(map, wat); });
-  ASSERT_EQ(ander.ask("s10"), "ja");
-  Terminal t = start();
-  EXPECT_TRUE(t.wait_for("Er zijn gebruikers actief die verwerking blokkeren!"));
-  EXPECT_EQ(ander.ask("t9"), "bezet");
-  t.type_now("x");
-  EXPECT_TRUE(t.wait_for("Wilt u wachten?"));
-  t.type("N", Enter);
-  EXPECT_SHOWS(t, "KLAAR");
-  EXPECT_EQ(ander.ask("t9"), "vrij");
-  EXPECT_EQ(regels(), "");
-
-  EXPECT_EQ(ander.ask("u10"), "los");
-  Terminal u = start();
-  EXPECT_SHOWS(u, "BEREKENEN AANVULADVIES");
-  EXPECT_EQ(ander.ask("t9"), "bezet");
-  EXPECT_EQ(ander.ask("t10"), "bezet");
-  u.type(Esc);
-  EXPECT_SHOWS(u, "KLAAR");
-  EXPECT_EQ(ander.ask("t9"), "vrij");
-  EXPECT_EQ(ander.ask("t10"), "vrij");
 }
 
 struct Handmatig : AdvKeten {
@@ -259,9 +195,7 @@ TEST_F(Handmatig, AnAcceptedAdviceBecomesOrdersWhenTheSeriesIsLeft) {
 }
 
 TEST_F(Handmatig, TheSeriesInHandIsLockedForOthersUntilItIsLeft) {
-  const std::string map = keten.map.pad;
-  Agent ander([this, map](const std::string&) {
-    std::filesystem::current_path(map);
+  Agent ander([this](const std::string&) {
     if (!keten.is_open) keten.open();
     const bool vrij = serie_probeer(ROK);
     if (vrij) serie_los();
@@ -323,27 +257,9 @@ TEST_F(Handmatig, ThroughTheSelectionInItsOwnOrder) {
   EXPECT_EQ(regels(), "0>3 10100.10.1 1x1\n0>3 10100.50.1 1x1\n");
 }
 
-TEST_F(Handmatig, MutationsTestStockAndSalesAndGiveTheirClaimsBack) {
-  const std::string map = keten.map.pad;
-  Agent ander([map](const std::string& wat) { return claimer(map, wat); });
-  ASSERT_EQ(ander.ask("x11"), "ja");
+TEST_F(Handmatig, MutationsAreSelectedOnStockAndSalesToo) {
   Terminal t = draai(mutaties_ingeven);
-  EXPECT_TRUE(t.wait_for("Verwerking is actief"));
-  EXPECT_EQ(ander.ask("t10"), "bezet");
-  t.type_now("x");
-  EXPECT_TRUE(t.wait_for("Wilt u wachten?"));
-  t.type("N", Enter);
-  EXPECT_SHOWS(t, "KLAAR");
-  for (const char* f : {"t9", "t10"}) EXPECT_EQ(ander.ask(f), "vrij") << f;
-  EXPECT_EQ(ander.ask("u11"), "los");
-  Terminal u = draai(mutaties_ingeven);
-  EXPECT_SHOWS(u, "Ingeven mutaties", "SELECTIE OP VOORRAAD en VERKOPEN");
-  for (const char* f : {"t9", "t10", "t11"}) EXPECT_EQ(ander.ask(f), "bezet") << f;
-  u.type(Esc);
-  EXPECT_SHOWS(u, "Ingeven mutaties", "SERIES");
-  u.type(Esc);
-  EXPECT_SHOWS(u, "KLAAR");
-  for (const char* f : {"t9", "t10", "t11"}) EXPECT_EQ(ander.ask(f), "vrij") << f;
+  EXPECT_SHOWS(t, "Ingeven mutaties", "SELECTIE OP VOORRAAD en VERKOPEN");
 }
 
 }  // namespace

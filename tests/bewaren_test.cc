@@ -2,12 +2,10 @@
 // files afterwards.
 #include "main/bewaren.h"
 
-#include "main/batchvw.h"
 #include "main/controle.h"
 #include "sub/sel_krit.h"
 #include "sub/tabellen.h"
 #include "tests/support/adv_keten.h"
-#include "tests/support/agent.h"
 
 namespace {
 
@@ -16,22 +14,7 @@ constexpr uint32_t EEN = 20000011, TWEE = 20000028, DRIE = 20000035;
 
 struct Bewaren : AdvKeten {
   static void opdracht(uint32_t nummer, int van, int naar, const Serienr& nr, const char* datum) {
-    DtPick rec{};
-    rec.vanfil = static_cast<uint8_t>(van);
-    rec.naarfil = static_cast<uint8_t>(naar);
-    rec.nr = nr;
-    rec.opdrachtnr = nummer;
-    rec.orderdatum = date_number(datum);
-    rec.aantal[1] = 1;
-    ProefKeten::voeg(dtpick, rec);
-  }
-  /// Terminal 5, which holds its byte of a work function, or all of it.
-  static std::string houd(const std::string& vraag) {
-    ProefSysteem::open();
-    session_terminal = 5;
-    const int functie = std::stoi(vraag.substr(1));
-    const bool goed = vraag[0] == 'X' ? vw_claim_excl(functie) : vw_claim(functie, true);
-    return goed ? "ja" : "nee";
+    proef_regel(van, naar, nr, {{1, 1}}, nummer, datum);
   }
   SysRec20 rec20() {
     SysRec20 rec;
@@ -116,18 +99,9 @@ TEST_F(Voorlopig, EnterIsAllAndTheOrdersStay) {
   }
 }
 
-TEST_F(Voorlopig, LeftOrRefusedNothingGoes) {
+TEST_F(Voorlopig, LeftNothingGoes) {
   const std::string was = regels();
   EXPECT_SHOWS(draai(wis_voorlopig).type(Esc, in("0"), Esc), "KLAAR");
-  Agent ander(houd);
-  ASSERT_EQ(ander.ask("S10"), "ja");
-  for (void (*doe)() : {wis_voorlopig, verzamel_wissen}) {
-    Terminal t = draai(doe);
-    EXPECT_TRUE(t.wait_for("Er zijn gebruikers actief die verwerking blokkeren!"));
-    t.type_now(in("n"));
-    EXPECT_SHOWS(t, "KLAAR");
-  }
-  ander.kill_now();
   EXPECT_EQ(regels(), was);
 }
 
@@ -204,20 +178,17 @@ struct Aanvul : Bewaren {
     });
   }
   static uint32_t verkoop(uint16_t datum) {
-    int32_t nummer = verkocht(ROK, 1, 1);
-    Etiket e{};
-    ioeti('R', &nummer, &e);
-    e.vrkdat = datum;
-    e.status = datum == 0 ? static_cast<uint8_t>(ETI_VOORRAAD) : e.status;
-    ioeti('W', &nummer, &e);
+    const int32_t nummer = verkocht(ROK, 1, 1);
+    proef_wijzig(nummer, [datum](Etiket& e) {
+      e.vrkdat = datum;
+      if (datum == 0) e.status = ETI_VOORRAAD;
+    });
     return static_cast<uint32_t>(nummer);
   }
   std::vector<uint32_t> over() {
     std::vector<uint32_t> uit;
     met_keten([&uit] {
-      DtAanv rec{};
-      for (bool er = IXFIRSTR(dtaanv, &rec); er; er = IXNEXT(dtaanv, &rec))
-        uit.push_back(rec.etiket);
+      for (const DtAanv& rec : proef_inhoud<DtAanv>(dtaanv)) uit.push_back(rec.etiket);
     });
     return uit;
   }
@@ -258,23 +229,6 @@ TEST_F(Aanvul, ZeroDaysIsUpToToday) {
   EXPECT_TRUE(over().empty());
 }
 
-TEST_F(Aanvul, RefusedWhileAdviceIsAtWork) {
-  Agent ander(houd);
-  ASSERT_EQ(ander.ask("S9"), "ja");
-  Terminal t = draai(aanvulinfo_wissen);
-  EXPECT_TRUE(t.wait_for("Er zijn gebruikers actief die verwerking blokkeren!"));
-  ander.kill_now();  // and goes on when that ends
-  EXPECT_TRUE(t.wait_for("verkoopdatum t/m"));
-  EXPECT_SHOWS(t.type(Esc), "KLAAR");
-  Agent geheel(houd);
-  ASSERT_EQ(geheel.ask("X9"), "ja");
-  Terminal bezet = draai(aanvulinfo_wissen);
-  EXPECT_TRUE(bezet.wait_for("Verwerking is reeds gestart"));
-  bezet.type_now(in("n"));
-  EXPECT_SHOWS(bezet, "KLAAR");
-  EXPECT_EQ(over().size(), 5u);
-}
-
 // Settings ----------------------------------------------------------------------------------------
 
 TEST_F(Bewaren, DaysKeptAreWrittenAndNothingElse) {
@@ -301,20 +255,12 @@ TEST_F(Bewaren, LeftTheOldValuesStand) {
   EXPECT_TRUE(t.wait_for("van verkopen 21 dagen"));
   EXPECT_SHOWS(t, "KLAAR 21 0");
   Terminal c = draai(controle_instellen, na);
+  EXPECT_SHOWS(c, "Instellen contr. verzamelopdrachten", "Keuze controleren verzamelopdrachten");
   c.type("j", Esc);
   EXPECT_TRUE(c.wait_for("verzamelopdrachten N"));
   EXPECT_SHOWS(c, "KLAAR 21 0");
-  EXPECT_EQ(rec20().dagen_bewaard, 21);
-  EXPECT_EQ(rec20().controle_keuze, 0);
-}
-
-TEST_F(Bewaren, TheChoiceToCheckOrders) {
-  Terminal t = draai(controle_instellen);
-  EXPECT_SHOWS(t, "Instellen contr. verzamelopdrachten", "Keuze controleren verzamelopdrachten");
-  EXPECT_SHOWS(t.type(in("j")), "KLAAR");
+  EXPECT_SHOWS(draai(controle_instellen).type(in("j")), "KLAAR");
   EXPECT_EQ(rec20().controle_keuze, 1);
-  EXPECT_SHOWS(draai(controle_instellen).type(in("n")), "KLAAR");
-  EXPECT_EQ(rec20().controle_keuze, 0);
   EXPECT_EQ(rec20().dagen_bewaard, 21);
 }
 

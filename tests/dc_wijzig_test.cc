@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "isam/io.h"
-#include "main/batchvw.h"
 #include "main/controle.h"
 #include "sub/dc_wijzig.h"
-#include "tests/support/agent.h"
 #include "tests/support/dc_proef.h"
 
 namespace {
@@ -158,36 +156,6 @@ TEST_F(DcWijzig, ByArticleNumber) {
   EXPECT_SHOWS(t, "KLAAR");
   EXPECT_TRUE(zelfde(gelezen(), {regel(1, 2, codes[1]), regel(3, 1, codes[0])}));
   EXPECT_FALSE(file_exists("DTDCIF.TMP"));
-}
-
-/// Terminal 5 has the transactions: this one does not get them, and the other way round.
-TEST_F(DcWijzig, HasTheTransactionsToItself) {
-  bestand({regel(1, 2, codes[0])});
-  Agent ander([](const std::string& wat) {
-    if (session_terminal != 5) {
-      session_terminal = 5;
-      int32_t n = 1;
-      iotab('O', &n, nullptr, SYS_RECORDS);
-    }
-    if (wat == "test")
-      return std::string(vw_lock('T', iotab_fd(), 40084 + 99 * 2 + 5, 1) ? "vrij" : "bezet");
-    vw_claim(2, true);
-    return std::string("ja");
-  });
-  {
-    Terminal t = draai(dc_wijzigen);
-    EXPECT_SHOWS(t, "1 Per selectie");
-    EXPECT_EQ(ander.ask("test"), "bezet");
-    t.type(Esc);
-    EXPECT_SHOWS(t, "KLAAR");
-    EXPECT_EQ(ander.ask("test"), "vrij");
-  }
-  ander.ask("claim");
-  Terminal t = draai(dc_wijzigen);
-  EXPECT_TRUE(t.wait_for("Er zijn gebruikers actief die verwerking blokkeren!"));
-  t.type_now(in("N"));
-  EXPECT_TRUE(t.wait_for("KLAAR"));
-  EXPECT_EQ(file_size(DC_BESTAND), 28);
 }
 
 /// Whoever dies while the file is shortened leaves all live lines, the deleted ones zero or gone.

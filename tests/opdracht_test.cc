@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "isam/base.h"
-#include "main/batchvw.h"
 #include "main/controle.h"
 #include "main/iofil.h"
 #include "main/opdruk.h"
@@ -12,7 +11,6 @@
 #include "scr/scr.h"
 #include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
-#include "tests/support/agent.h"
 #include "tests/support/print_proef.h"
 #include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
@@ -64,52 +62,29 @@ struct Opdracht : ::testing::Test {
   }
   static std::vector<DtPick> regels() {
     ICB* icb = IXOPEN("DTPICK", IX_LEES);
-    std::vector<DtPick> uit;
-    DtPick r{};
-    for (bool er = IXFIRSTR(icb, &r); er; er = IXNEXT(icb, &r)) uit.push_back(r);
+    const std::vector<DtPick> uit = proef_inhoud<DtPick>(icb);
     IXCLOSE(icb);
     return uit;
-  }
-  /// Another terminal's process; "9" tries the whole function, without waiting.
-  static std::string ander(const std::string& functie) {
-    session_terminal = 99;
-    if (iotab_fd() < 0) ProefSysteem::open();
-    const bool houdt = functie[0] == 'h';
-    const int f = atoi(functie.c_str() + (houdt ? 1 : 0));
-    const bool ja = vw_claim_excl(f);
-    if (!houdt) vw_free_excl(f);
-    return ja ? "ja" : "nee";
   }
 };
 
 TEST_F(Opdracht, ProvisionalOrdersAreOnlyLookedAt) {
-  Agent agent(ander);
+  Terminal weg = start(opdracht_voorlopig);
+  weg.type(Esc, Esc);
+  EXPECT_EQ(weg.row(22), "klaar");
   Terminal t = start(opdracht_voorlopig);
   EXPECT_TRUE(t.shows("Selectiecriteria"));
-  EXPECT_EQ(agent.ask("10"), "nee");
-  EXPECT_EQ(agent.ask("9"), "ja");
   t.type(Esc);
   EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
   t.type("2");
   bekijk(t, {"VERZAMELOPDRACHT FILIAAL 0 (voorlopig)", "10100.10.1"});
   EXPECT_EQ(t.row(22), "klaar");
-  EXPECT_EQ(agent.ask("10"), "ja");
   for (const DtPick& r : regels()) EXPECT_EQ(r.opdrachtnr, r.vanfil == 2 ? 20000011u : 0u);
 }
 
-TEST_F(Opdracht, LeavingTheOrderPrintsNothing) {
-  Terminal t = start(opdracht_voorlopig);
-  t.type(Esc);
-  t.type(Esc);
-  EXPECT_EQ(t.row(22), "klaar");
-}
-
 TEST_F(Opdracht, ANewOrderIsDefinitiveBeforeItIsPrinted) {
-  Agent agent(ander);
   Terminal t = start(opdracht_nieuw);
   ASSERT_TRUE(t.shows("Selectiecriteria"));
-  EXPECT_EQ(agent.ask("9"), "nee");
-  EXPECT_EQ(agent.ask("10"), "nee");
   t.type(Esc);
   ASSERT_TRUE(t.shows("Printbestemming"));
   for (const DtPick& r : regels()) {
@@ -120,28 +95,11 @@ TEST_F(Opdracht, ANewOrderIsDefinitiveBeforeItIsPrinted) {
   t.type(Enter);  // the document to the file
   bekijk(t, {"Filiaal  0       5      0 stuks", "Filiaal  4       0      7 stuks"});
   EXPECT_EQ(t.row(22), "klaar");
-  EXPECT_EQ(agent.ask("9"), "ja");
-  EXPECT_EQ(agent.ask("10"), "ja");
   ASSERT_TRUE(
       wacht_tot([] { return bytes_van("afdruk.lst").find("FILIAAL 1") != std::string::npos; }));
   const std::string document = bytes_van("afdruk.lst");
   EXPECT_NE(document.find("Opdrachtnr: 20000011"), std::string::npos);
   EXPECT_NE(document.find("Opdrachtnr: 20000028"), std::string::npos) << "one number a pair";
-}
-
-TEST_F(Opdracht, ANewOrderWaitsForTheOthersAndGivesBothBack) {
-  Agent agent(ander), derde(ander);
-  ASSERT_EQ(agent.ask("h10"), "ja");
-  Terminal t = start(opdracht_nieuw);
-  EXPECT_TRUE(t.wait_for("Verwerking")) << t.screen();
-  EXPECT_EQ(derde.ask("9"), "nee") << "held while the second is waited for";
-  t.type_now("x");
-  EXPECT_TRUE(t.wait_for("J/N")) << t.screen();
-  t.type("N");
-  t.type(Enter);
-  EXPECT_EQ(t.row(22), "klaar");
-  EXPECT_EQ(derde.ask("9"), "ja");
-  for (const DtPick& r : regels()) EXPECT_EQ(r.orderdatum == 0, r.vanfil != 2);
 }
 
 TEST_F(Opdracht, AnOrderAgain) {
@@ -156,9 +114,6 @@ TEST_F(Opdracht, AnOrderAgain) {
   bekijk(t, {"VERZAMELOPDRACHT FILIAAL 2", "10100.10.1", "10200.310.4"});
   bekijk(t, {"Filiaal  2      24      0 stuks", "Filiaal  3       0     11 stuks"});
   EXPECT_EQ(t.row(22), "klaar");
-  Terminal u = start(opdracht_bestaand);
-  u.type(Esc);
-  EXPECT_EQ(u.row(22), "klaar");
 }
 
 }  // namespace

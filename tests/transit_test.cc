@@ -6,8 +6,6 @@
 #include <regex>
 
 #include "isam/io.h"
-#include "main/batchvw.h"
-#include "main/opdracht_controle.h"
 #include "main/saldo.h"
 #include "main/transit.h"
 #include "main/transit_in.h"
@@ -585,56 +583,6 @@ Volgorde 3 merk - model
   EXPECT_SHOWS(t, "Opdrachtnummer");
   t.type(Esc);
   EXPECT_EQ(t.row(20), "KLAAR");
-}
-
-/// What each command claims, in order: a whole function meets anybody at work in it, its own byte
-/// only who has the whole. Refused, it leaves nothing behind.
-TEST_F(TransitScherm, ClaimsAreTakenAndFreed) {
-  keten.sluit();
-  Agent ander([&](const std::string& wat) -> std::string {
-    if (!keten.is_open) keten.open();
-    session_terminal = 99;
-    const int functie = atoi(wat.c_str() + 1);
-    if (wat[0] == 'X') return vw_claim_excl(functie) ? "ja" : "nee";
-    if (wat[0] == 'S') return vw_claim(functie, true) ? "ja" : "nee";
-    return vw_free_excl(functie), "vrij";
-  });
-  struct Claims {
-    void (*doe)();
-    std::vector<int> functies;
-    std::string soorten;
-  };
-  const Claims COMMANDOS[] = {{verz_annuleren, {11, 12}, "SX"},
-                              {mut_afwerken, {13, 11, 12}, "SXX"},
-                              {mut_uitgevoerd, {10}, "S"},
-                              {opdracht_controle, {10, 11}, "SS"}};
-  for (const Claims& c : COMMANDOS) {
-    for (size_t i = 0; i < c.functies.size(); ++i) {
-      for (const char houdt : {'S', 'X'}) {
-        SCOPED_TRACE(str_format("%d held %c", c.functies[i], houdt));
-        const std::string nr = std::to_string(c.functies[i]);
-        ASSERT_EQ(ander.ask(houdt + nr), "ja");
-        Terminal t = draai(c.doe);
-        if (houdt == 'X' || c.soorten[i] == 'X') {
-          EXPECT_TRUE(t.wait_for("Wilt u wachten"));
-          for (size_t j = 0; j < i; ++j)
-            EXPECT_EQ(ander.ask("X" + std::to_string(c.functies[j])), "nee") << j;
-          t.type_now("x");
-          EXPECT_TRUE(t.ready());
-          t.type("N", Enter);
-        } else {
-          EXPECT_TRUE(t.ready());
-          EXPECT_FALSE(t.shows("Wilt u wachten"));
-          t.type(Esc);
-        }
-        EXPECT_TRUE(t.wait_for("KLAAR"));
-        for (const int f : c.functies) {
-          EXPECT_EQ(ander.ask("X" + std::to_string(f)), "ja") << f;
-          ander.ask("V" + std::to_string(f));
-        }
-      }
-    }
-  }
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <set>
 
 #include "isam/io.h"
-#include "main/batchvw.h"
 #include "main/iofil.h"
 #include "main/saldo.h"
 #include "main/zoeklijst.h"
@@ -15,7 +14,6 @@
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
-#include "tests/support/agent.h"
 #include "tests/support/beproeving.h"
 #include "tests/support/rapport.h"
 #include "tests/support/stukken.h"
@@ -293,11 +291,7 @@ Naar  3 Winkel 3                         Dorpsstraat 1                  Almelo
   // What went on since is not looked for.
   const std::set<int32_t> nummers = tel(BLOUSE).nummers;
   go_afwerken(*nummers.begin());
-  int32_t nummer = *std::next(nummers.begin());
-  Etiket e{};
-  ASSERT_TRUE(ioeti('R', &nummer, &e));
-  e.doel = 8;
-  ioeti('W', &nummer, &e);
+  proef_wijzig(*std::next(nummers.begin()), [](Etiket& e) { e.doel = 8; });
   EXPECT_NE(lijsten(orders).find("Totaal        1     3\n"), std::string::npos);
   // Short pages: each has the head, the total does not stand alone on two of them.
   const std::string kort = lijsten(orders, 9);
@@ -406,40 +400,6 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
   EXPECT_LE(te_veel, 5 + 2) << "only when it dies between a label and its line";
 }
 
-/// The command asks for its four functions, and gives all back when one is refused.
-TEST_F(Uitvoeren, ClaimsAreTakenAndFreed) {
-  sluit();
-  Agent ander([&](const std::string& wat) -> std::string {
-    if (!keten.is_open) keten.open();
-    session_terminal = 99;
-    int functie = 0;
-    char soort = 0;
-    sscanf(wat.c_str(), "%c%d", &soort, &functie);
-    if (soort == 'v') return vw_free_excl(functie), "vrij";
-    return vw_claim_excl(functie) ? "ja" : "nee";
-  });
-  for (const int functie : {9, 10, 11, 12}) {
-    EXPECT_EQ(ander.ask("p" + std::to_string(functie)), "ja");
-    Terminal t = commando();
-    EXPECT_TRUE(t.wait_for("Wilt u wachten")) << functie;
-    for (const int vrij : {9, 10}) {
-      const std::string soll = vrij < functie ? "nee" : "ja";
-      EXPECT_EQ(ander.ask("p" + std::to_string(vrij)), soll) << functie;
-      if (vrij > functie) ander.ask("v" + std::to_string(vrij));
-    }
-    t.type_now("x");
-    EXPECT_TRUE(t.ready());
-    t.type("N", toets::Enter);
-    EXPECT_SHOWS(t, "terug");
-    for (const int vrij : {9, 10, 11, 12}) {
-      EXPECT_EQ(ander.ask("p" + std::to_string(vrij)), "ja") << functie << " holds " << vrij;
-      ander.ask("v" + std::to_string(vrij));
-    }
-    t.type(toets::Enter);
-    EXPECT_EQ(t.exit_status(), 0);
-  }
-}
-
 /// The selection left as it stands; then the search list, for one who has no printer but the
 /// screen.
 TEST_F(Uitvoeren, TheCommandWithItsScreens) {
@@ -457,7 +417,6 @@ TEST_F(Uitvoeren, TheCommandWithItsScreens) {
   keten.open();
   stel_in();
   EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 1}, {"5:0>3", 1}}));
-  for (const int functie : {9, 10, 11, 12}) EXPECT_TRUE(vw_claim_excl(functie));
 }
 
 }  // namespace
