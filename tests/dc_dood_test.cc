@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <map>
 
-#include "tests/support/beproeving.h"
 #include "tests/support/dc_proef.h"
+#include "tests/support/sterven.h"
 
 namespace {
-
-int te_gaan;
 
 constexpr const char* TABELLEN[] = {"DTGO", "DTFIN", "DTIO", "DTSER"};
 
@@ -46,19 +44,6 @@ struct DcDood : DcProef {
     bestand(r);
     begin = bestanden();
   }
-  /// Dies at write `n`; true when it ran through.
-  bool sterft(int n) {
-    const std::string einde = Kind([&] {
-                                te_gaan = n;
-                                io_proef.voor_schrijf = [](int, int64_t, size_t) {
-                                  if (te_gaan-- == 0) raise(SIGKILL);
-                                };
-                                loop(true);
-                                return std::string();
-                              }).einde(30);
-    EXPECT_TRUE(einde.empty() || einde == "signal 9") << einde;
-    return einde.empty();
-  }
   template <class Rec>
   void voeg_toe(std::string& uit, ICB* tabel) {
     for (const Rec& rec : proef_inhoud<Rec>(tabel))
@@ -94,7 +79,7 @@ struct DcDood : DcProef {
       SCOPED_TRACE("dies at write " + std::to_string(n));
       ASSERT_LT(n, 2000);
       zet_bestanden(begin);
-      const bool heel = sterft(n);
+      const bool heel = sterft_bij(n, [this] { loop(true); });
       EXPECT_EQ(dc_aanwezig(), !heel);
       for (const char* naam : TABELLEN)
         EXPECT_TRUE(bytes_van(std::string(naam) + ".INX")[45] == 0 || IXBLDIX(naam) == 1);

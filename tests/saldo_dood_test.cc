@@ -3,28 +3,18 @@
 #include <random>
 #include <set>
 
-#include "isam/io.h"
 #include "main/saldo.h"
 #include "main/saldo_pas.h"
 #include "main/verzamel.h"
 #include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
-#include "tests/support/beproeving.h"
 #include "tests/support/keten.h"
+#include "tests/support/sterven.h"
 
 namespace {
 
 constexpr Serienr BLOUSE{10100, 10, 1}, BROEK{10200, 310, 4};
-
-int te_gaan;
-
-void sterf_na(int schrijfbeurten) {
-  te_gaan = schrijfbeurten;
-  io_proef.voor_schrijf = [](int, int64_t, size_t) {
-    if (te_gaan-- == 0) raise(SIGKILL);
-  };
-}
 
 DtPick pick(const Serienr& nr, int van, int naar, uint32_t opdracht, uint32_t stuks) {
   DtPick rec{};
@@ -75,15 +65,8 @@ struct SaldoDood : ::testing::Test {
     saldo_pass(2);
   }
 
-  /// Dies at write `n`; true when it ran through.
   bool sterft(int n) {
-    const std::string einde = Kind([&] {
-                                sterf_na(n);
-                                maak_definitief();
-                                return std::string();
-                              }).einde(30);
-    EXPECT_TRUE(einde.empty() || einde == "signal 9") << einde;
-    return einde.empty();
+    return sterft_bij(n, [this] { maak_definitief(); });
   }
 
   /// Judges DTPICK after a death; the number of lines that became definitive.
@@ -118,15 +101,12 @@ struct SaldoDood : ::testing::Test {
 
 TEST_F(SaldoDood, AtEachWrite) {
   vul(4);
-  const BepKopie regels("DTPICK"), systeem_en_aanv("DTAANV");
-  const std::string dtsys = bytes_van("DTSYS.TXT");
+  const SterfBegin begin({"DTPICK", "DTAANV"}, {"DTSYS.TXT"});
   int hoogst = 0;
   for (int n = 0;; ++n) {
     SCOPED_TRACE("dies at write " + std::to_string(n));
     ASSERT_LT(n, 500);
-    regels.terug();
-    systeem_en_aanv.terug();
-    zet_bytes("DTSYS.TXT", dtsys);
+    begin.terug();
     const bool heel = sterft(n);
     const int definitief = keur();
     ASSERT_FALSE(HasFailure());

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <regex>
 
-#include "isam/io.h"
 #include "main/saldo.h"
 #include "main/transit.h"
 #include "main/transit_in.h"
@@ -14,8 +13,7 @@
 #include "sub/sel_krit.h"
 #include "tests/support/adv_keten.h"
 #include "tests/support/agent.h"
-#include "tests/support/beproeving.h"
-#include "tests/support/bestand.h"
+#include "tests/support/sterven.h"
 
 namespace {
 
@@ -374,18 +372,13 @@ TEST_F(Transit, ASeriesThatSomebodyHoldsIsPassedOver) {
   EXPECT_EQ(lijst(false), "");
 }
 
-int te_gaan;
-
 /// A process that dies at each of its writes, and another that does it again: no label stays on its
 /// way without a record, and in the end all is as if nobody had died.
 TEST_F(Transit, DyingAtEachWrite) {
   std::vector<int32_t> nummers;
   for (int i = 0; i < 3; ++i) nummers.push_back(gezonden(ROK, 1, 1, 3));
   keten.sluit();
-  const char* TABELLEN[] = {"DTGO", "DTFIN", "DTIO", "DTSER"};
-  std::vector<std::unique_ptr<BepKopie>> begin;
-  for (const char* naam : TABELLEN) begin.push_back(std::make_unique<BepKopie>(naam));
-  const std::string etiketten = bytes_van("DTETI.TXT");
+  const SterfBegin begin({"DTGO", "DTFIN", "DTIO", "DTSER"}, {"DTETI.TXT"});
   TransitActie actie = TransitActie::geen;
   const char* na_actie[] = {"", "2 in 1", "4 in 1 reden 7 dag 0", "2 in 3"};
   const auto werk = [&] {
@@ -401,22 +394,13 @@ TEST_F(Transit, DyingAtEachWrite) {
     for (int n = 0;; ++n) {
       SCOPED_TRACE(str_format("%d dies at write %d", static_cast<int>(actie), n));
       ASSERT_LT(n, 500);
-      for (const auto& kopie : begin) kopie->terug();
-      zet_bytes("DTETI.TXT", etiketten);
+      begin.terug();
       file_delete("DTCOR07.LOG");
-      const std::string einde = Kind([&] {
-                                  keten.open();
-                                  te_gaan = n;
-                                  io_proef.voor_schrijf = [](int, int64_t, size_t) {
-                                    if (te_gaan-- == 0) raise(SIGKILL);
-                                  };
-                                  werk();
-                                  return std::string();
-                                }).einde(30);
-      ASSERT_TRUE(einde.empty() || einde == "signal 9") << einde;
-      for (const char* naam : TABELLEN) {
-        ASSERT_TRUE(IXCHECK(naam) >= 0 || IXBLDIX(naam) == 1) << naam;
-      }
+      const bool heel = sterft_bij(n, [&] {
+        keten.open();
+        werk();
+      });
+      begin.herbouw();
       keten.open();
       for (const int32_t nummer : nummers) {
         EXPECT_TRUE(proef_lees(nummer).onderweg == 0 || go_lees(nummer)) << nummer;
@@ -430,7 +414,7 @@ TEST_F(Transit, DyingAtEachWrite) {
       EXPECT_GE(file_size("DTCOR07.LOG"), actie == TransitActie::corrigeren ? 3 * 44 : 0);
       keten.sluit();
       ASSERT_FALSE(HasFailure());
-      if (einde.empty()) break;
+      if (heel) break;
     }
   }
 }

@@ -4,7 +4,6 @@
 #include <map>
 #include <set>
 
-#include "isam/io.h"
 #include "main/iofil.h"
 #include "main/saldo.h"
 #include "main/zoeklijst.h"
@@ -14,8 +13,8 @@
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
-#include "tests/support/beproeving.h"
 #include "tests/support/rapport.h"
+#include "tests/support/sterven.h"
 #include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
@@ -329,8 +328,6 @@ TEST_F(Uitvoeren, CancelledMutations) {
   EXPECT_NE(tekst.find("Totaal        3\n"), std::string::npos);
 }
 
-int te_gaan;
-
 /// A process that dies at each of its writes, and another that runs the command again: no piece is
 /// lost, at most the one in hand is sent besides, and each that is under way is booked once.
 TEST_F(Uitvoeren, DyingAtEachWrite) {
@@ -338,35 +335,18 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
   proef_regel(0, 3, BLOUSE, {{5, 3}});
   proef_regel(0, 4, BLOUSE, {{5, 2}});
   sluit();
-  const char* TABELLEN[] = {"DTPICK", "DTGO", "DTFIN", "DTSER"};
-  std::vector<std::unique_ptr<BepKopie>> begin;
-  for (const char* naam : TABELLEN) begin.push_back(std::make_unique<BepKopie>(naam));
-  const std::string etiketten_begin = bytes_van("DTETI.TXT");
-  const auto voer_uit = [&] {
-    keten.open();
-    stel_in();
-    uitvoer_pas();
-    return std::string();
-  };
+  const SterfBegin begin({"DTPICK", "DTGO", "DTFIN", "DTSER"}, {"DTETI.TXT"});
   int te_veel = 0;
   for (int n = 0;; ++n) {
     SCOPED_TRACE("dies at write " + std::to_string(n));
     ASSERT_LT(n, 500);
-    for (const auto& kopie : begin) kopie->terug();
-    zet_bytes("DTETI.TXT", etiketten_begin);
-    const std::string einde = Kind([&] {
-                                te_gaan = n;
-                                io_proef.voor_schrijf = [](int, int64_t, size_t) {
-                                  if (te_gaan-- == 0) raise(SIGKILL);
-                                };
-                                return voer_uit();
-                              }).einde(30);
-    ASSERT_TRUE(einde.empty() || einde == "signal 9") << einde;
-    for (const char* naam : TABELLEN) {
-      if (IXCHECK(naam) < 0) {
-        ASSERT_EQ(IXBLDIX(naam), 1);
-      }
-    }
+    begin.terug();
+    const bool heel = sterft_bij(n, [&] {
+      keten.open();
+      stel_in();
+      uitvoer_pas();
+    });
+    begin.herbouw();
     keten.open();
     stel_in();
     Telling t = tel(BLOUSE);
@@ -395,7 +375,7 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
     EXPECT_TRUE(proef_inhoud<DtPick>(dtpick).empty());
     sluit();
     ASSERT_FALSE(HasFailure());
-    if (einde.empty()) break;
+    if (heel) break;
   }
   EXPECT_LE(te_veel, 5 + 2) << "only when it dies between a label and its line";
 }
