@@ -39,15 +39,8 @@ TEST(Pakken, TheLargestLabelFillsEveryWord) {
   for (int i = 0; i < 9; ++i) EXPECT_EQ(w[i], soll[i]) << i;
   Etiket terug{};
   ASSERT_TRUE(etiket_uitpak(w, &terug, true));
-  EXPECT_EQ(terug.inkpr, 429496728);
-  EXPECT_EQ(terug.reden, 9);
-  EXPECT_EQ(terug.klant, 999999);
-  EXPECT_EQ(terug.nummer3, 999);
-  EXPECT_EQ(terug.bedrag, -1);
-  EXPECT_EQ(terug.doel, 248);
-  EXPECT_EQ(terug.tarief, 428);
-  EXPECT_EQ(terug.ordernr, 9999999);
-  EXPECT_EQ(terug.vrkdat, 65535);
+  EXPECT_TRUE(gelijk(e, terug));
+  EXPECT_TRUE(terug.bedrag == -1 && terug.doel == 248 && terug.klant == 999999);
 }
 
 TEST(Pakken, WhatDoesNotFitCannotSpillOver) {

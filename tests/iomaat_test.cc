@@ -74,11 +74,9 @@ TEST_F(Maten, EdgesOfTheWalks) {
   MaatRec rec{};
   rec.maat = 7;
   EXPECT_FALSE(mtread(h, 'N', &rec, 1));
-  EXPECT_EQ(rec.maat, 7);  // as it came
-  EXPECT_EQ(rec.positie, 0);
+  EXPECT_TRUE(rec.maat == 7 && rec.positie == 0) << "as it came";
   EXPECT_TRUE(mtread(h, 'P', &rec, 1));
-  EXPECT_EQ(rec.maat, 6);
-  EXPECT_EQ(rec.positie, 6);
+  EXPECT_TRUE(rec.maat == 6 && rec.positie == 6);
   rec = {};
   EXPECT_FALSE(mtread(h, 'R', &rec, 1));
   for (const uint8_t van : {uint8_t{0}, uint8_t{1}, uint8_t{96}}) {

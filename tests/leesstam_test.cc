@@ -3,7 +3,7 @@
 
 #include "sub/leesstam.h"
 #include "sub/tabeldef.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
@@ -12,14 +12,7 @@ struct Stam : testing::Test {
   Stam() { keten.open(); }
 
   static void ean(const char* code, char soort, uint8_t maat = 0) {
-    DtEan rec{};
-    std::memcpy(rec.code, code, std::strlen(code));
-    rec.soort = soort;
-    rec.artgroep = 10100;
-    rec.kleur = 10;
-    rec.volgnr = 1;
-    rec.maat = maat;
-    Keten::voeg(dtean, rec);
+    proef_ean(code, soort, {10100, 10, 1}, maat);
   }
 };
 
@@ -96,17 +89,6 @@ TEST_F(Stam, TheSizeCodeOfASeriesAndSize) {
   EXPECT_FALSE(lees_ean_maat(dtean, &rec, {10100, 10, 1}, 18));  // of another kind
   EXPECT_FALSE(lees_ean_maat(dtean, &rec, {10100, 10, 2}, 17));
   EXPECT_EQ(dtean->block.key_number, 1);
-}
-
-TEST_F(Stam, ColoursStandAtTheirNumber) {
-  Kleur wit{10, "wit", {}};
-  int32_t n = 10;
-  iotab('W', &n, &wit, SYS_KLEUREN);
-  Kleur kleur{};
-  EXPECT_TRUE(lees_kleur(&kleur, 10));
-  EXPECT_STREQ(kleur.naam, "wit");
-  EXPECT_FALSE(lees_kleur(&kleur, 11));
-  EXPECT_FALSE(lees_kleur(&kleur, 1000));
 }
 
 }  // namespace

@@ -109,12 +109,9 @@ TEST_F(OpdrKies, LooksNumbersUpWithinLimits) {
 
 TEST_F(OpdrKies, ATypedNumberMustExist) {
   Terminal t = veld();
-  t.type(std::string("20000012") + Enter);
-  EXPECT_TRUE(t.shows("Ongeldig nummer"));
-  t.type(std::string("20000042") + Enter);
-  EXPECT_TRUE(t.shows("Onbekend opdrachtnummer"));
-  t.type(std::string("28") + Enter);  // the last digits of an order
-  EXPECT_EQ(t.row(22), "ja 20000028 1>12 05-02-26 3/2");
+  EXPECT_SHOWS(t.type(in("20000012")), "Ongeldig nummer");
+  EXPECT_SHOWS(t.type(in("20000042")), "Onbekend opdrachtnummer");
+  EXPECT_EQ(t.type(in("28")).row(22), "ja 20000028 1>12 05-02-26 3/2");  // its last digits
   EXPECT_EQ(t.text(4, 16, 8), "20000028");
   Terminal u = veld();
   u.type(Esc);
@@ -124,44 +121,32 @@ TEST_F(OpdrKies, ATypedNumberMustExist) {
 TEST_F(OpdrKies, ThreeOrdersOfTheListAndTheirSearchFields) {
   Terminal t = veld();
   t.type(Enter);
-  EXPECT_TRUE(t.shows(" selecteren opdracht "));
-  EXPECT_TRUE(t.shows(" nummer   van naar datum     stuks regels")) << t.screen();
-  EXPECT_TRUE(t.shows("20000011   2    3 01-02-26     12      2"));
-  EXPECT_TRUE(t.shows("20000028   1 alle 05-02-26      3      2"));
-  EXPECT_TRUE(t.shows("20000035   1    4 03-01-26  70000      1"));
+  EXPECT_SHOWS(t, " selecteren opdracht ", " nummer   van naar datum     stuks regels",
+               "20000011   2    3 01-02-26     12      2",
+               "20000028   1 alle 05-02-26      3      2",
+               "20000035   1    4 03-01-26  70000      1", "Nummer ________");
   EXPECT_FALSE(t.shows("20000042"));
-  EXPECT_TRUE(t.shows("Nummer ________"));
   t.type(Tab);
-  EXPECT_TRUE(t.shows(" van naar nummer   datum     stuks regels")) << t.screen();
-  EXPECT_TRUE(t.shows("  2    3 20000011 01-02-26     12      2"));
-  EXPECT_TRUE(t.shows("Van filiaal ___"));
-  t.type(std::string("1") + Enter);
-  EXPECT_TRUE(t.shows("  1    4 20000035 03-01-26")) << t.screen();
-  t.type(Tab);
-  EXPECT_TRUE(t.shows(" datum    nummer   van naar"));
-  t.type(std::string("020226") + Enter);  // the next date
-  EXPECT_TRUE(t.shows("Datum (DDMMJJ) ______"));
+  EXPECT_SHOWS(t, " van naar nummer   datum     stuks regels",
+               "  2    3 20000011 01-02-26     12      2", "Van filiaal ___");
+  EXPECT_SHOWS(t.type(in("1")), "  1    4 20000035 03-01-26");
+  EXPECT_SHOWS(t.type(Tab), " datum    nummer   van naar");
+  EXPECT_SHOWS(t.type(in("020226")), "Datum (DDMMJJ) ______");  // the next date
   t.type(F3);
   EXPECT_EQ(t.row(22), "ja 20000028 1>12 05-02-26 3/2");
 }
 
 TEST_F(OpdrKies, LeavingTheListComesBackToTheFieldAndNothingIsNumberZero) {
   Terminal t = veld();
-  t.type(F5);
-  EXPECT_TRUE(t.shows("selecteren opdracht"));
-  t.type(Esc);
-  EXPECT_EQ(t.cursor_row(), 4);
-  t.type(std::string("20000030") + F5);  // opens at the next
-  EXPECT_TRUE(t.shows("20000035")) << t.screen();
-  t.type(Enter);
-  EXPECT_EQ(t.row(22), "ja 20000035 1>4 03-01-26 70000/1");
+  EXPECT_SHOWS(t.type(F5), "selecteren opdracht");
+  EXPECT_EQ(t.type(Esc).cursor_row(), 4);
+  EXPECT_SHOWS(t.type(std::string("20000030") + F5), "20000035");  // opens at the next
+  EXPECT_EQ(t.type(Enter).row(22), "ja 20000035 1>4 03-01-26 70000/1");
   OpdrGrens leeg;
   leeg.vanfil = 9;
   Terminal u = veld(leeg);
-  u.type(F5);
-  EXPECT_TRUE(u.shows("Geen informatie"));
-  u.type(Enter);
-  EXPECT_TRUE(u.row(22).starts_with("ja 0 ")) << u.row(22);
+  EXPECT_SHOWS(u.type(F5), "Geen informatie");
+  EXPECT_TRUE(u.type(Enter).row(22).starts_with("ja 0 ")) << u.row(22);
 }
 
 TEST_F(OpdrKies, SeveralAreMarked) {
@@ -174,18 +159,12 @@ TEST_F(OpdrKies, SeveralAreMarked) {
   };
   Terminal t = meer({});
   EXPECT_TRUE(t.shows(" selecteren opdracht(en) "));
-  t.type(Down);
-  t.type(F7);
-  t.type(Up);
-  t.type(Up);
-  t.type(F7);
-  t.type(F3);
-  EXPECT_EQ(t.row(22), "20000028 20000011 .") << "in the order of marking";
+  EXPECT_EQ(t.type(Down, F7, Up, Up, F7, F3).row(22), "20000028 20000011 .")
+      << "in the order of marking";
   OpdrGrens onderweg{-1, 0, UINT16_MAX, false, true};
   Terminal u = meer(onderweg);
   EXPECT_TRUE(u.shows("20000042   5    6 09-02-26      2      2")) << u.screen();
-  u.type(Esc);
-  EXPECT_EQ(u.row(22), ".");
+  EXPECT_EQ(u.type(Esc).row(22), ".");
 }
 
 TEST_F(OpdrKies, ThePrintOrder) {
@@ -197,18 +176,11 @@ TEST_F(OpdrKies, ThePrintOrder) {
     });
   };
   Terminal t = volgorde();
-  EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
-  for (const char* regel : {"1 serienummer", "2 locatienummer", "3 merk - model"})
-    EXPECT_TRUE(t.shows(regel)) << regel;
-  t.type("3");
-  EXPECT_EQ(t.row(22), "RMAKV 1");
+  EXPECT_SHOWS(t, "\nAfdrukvolgorde", "1 serienummer", "2 locatienummer", "3 merk - model");
+  EXPECT_EQ(t.type("3").row(22), "RMAKV 1");
   EXPECT_EQ(t.row(6), "Afdrukvolgorde 3 merk - model");
-  Terminal u = volgorde();
-  u.type(Enter);
-  EXPECT_EQ(u.row(22), "LAKV 1");
-  Terminal v = volgorde();
-  v.type(Esc);
-  EXPECT_EQ(v.row(22), "LAKV 0");
+  EXPECT_EQ(volgorde().type(Enter).row(22), "LAKV 1");
+  EXPECT_EQ(volgorde().type(Esc).row(22), "LAKV 0");
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 #include "main/verzamel.h"
 #include "prt/prt.h"
 #include "sub/adv_krit.h"
-#include "sub/ioeti.h"
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/serie.h"
@@ -65,13 +64,6 @@ struct Saldo : ::testing::Test {
     const std::string tekst = rapport(saldo_druk);
     const size_t streep = tekst.find(std::string(132, '-') + "\n");
     return streep == std::string::npos ? tekst : tekst.substr(streep + 133);
-  }
-  static std::vector<DtPick> regels() {
-    std::vector<DtPick> uit;
-    DtPick rec{};
-    IXSWITCH(dtpick, 1);
-    for (bool er = IXFIRSTR(dtpick, &rec); er; er = IXNEXT(dtpick, &rec)) uit.push_back(rec);
-    return uit;
   }
 };
 
@@ -135,7 +127,7 @@ TEST_F(Saldo, ADefinitiveOrderTakesItsLinesOnce) {
   lijst(2);
   std::map<std::pair<int, int>, uint32_t> nummers;
   int definitief = 0;
-  for (const DtPick& r : regels()) {
+  for (const DtPick& r : proef_inhoud<DtPick>(dtpick)) {
     if (r.nr == VREEMD) {
       EXPECT_EQ(r.opdrachtnr, 0u);
       continue;
@@ -158,17 +150,8 @@ TEST_F(Saldo, WhatIsReplenishedIsWrittenOff) {
   const auto verkocht = [](uint8_t maat, uint16_t datum) {
     Etiket e = proef_etiket(BLOUSE, ETI_VERKOPEN, maat, 3);
     e.vrkdat = datum;
-    int32_t nummer = 0;
-    ioeti('W', &nummer, &e);
-    DtSer rec{};
-    rec.nr = BLOUSE;
-    IXREAD(dtser, &rec);
-    if (rec.blok1 < 0) {
-      rec.blok1 = eti_blok(nummer);
-      IXWRITE(dtser, &rec);
-    }
-    DtAanv aanv{BLOUSE, static_cast<uint32_t>(nummer)};
-    IXWRITE(dtaanv, &aanv);
+    const int32_t nummer = proef_stuk(e);
+    Keten::voeg(dtaanv, DtAanv{BLOUSE, static_cast<uint32_t>(nummer)});
     return static_cast<uint32_t>(nummer);
   };
   const uint16_t vandaag = date_today();
@@ -176,13 +159,11 @@ TEST_F(Saldo, WhatIsReplenishedIsWrittenOff) {
   const uint32_t tweede = verkocht(1, vandaag);
   const uint32_t andere_maat = verkocht(2, vandaag);
   verkocht(3, static_cast<uint16_t>(vandaag - 40));  // older than is kept
-  DtAanv onbekend{BLOUSE, 29999};
-  IXWRITE(dtaanv, &onbekend);
+  Keten::voeg(dtaanv, DtAanv{BLOUSE, 29999});
   regel(0, 3, BLOUSE, 2);  // one piece of size 1, one of size 95
   lijst(2);
   std::vector<uint32_t> over;
-  DtAanv rec{};
-  for (bool er = IXFIRSTR(dtaanv, &rec); er; er = IXNEXT(dtaanv, &rec)) over.push_back(rec.etiket);
+  for (const DtAanv& rec : proef_inhoud<DtAanv>(dtaanv)) over.push_back(rec.etiket);
   EXPECT_EQ(over, (std::vector<uint32_t>{tweede, andere_maat}));
 }
 

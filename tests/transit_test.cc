@@ -45,11 +45,6 @@ struct Transit : AdvKeten {
       e.vrkdat = DAG + 2;
     });
   }
-  static void zet_go(int32_t nummer, const std::function<void(DtGo&)>& doe) {
-    ASSERT_TRUE(go_lees(nummer));
-    doe(go_rec);
-    IXWRITE(dtgo, &go_rec);
-  }
   static void reken_af(int32_t nummer) {
     IXSWITCH(dtfin, 2);
     DtFin f{};

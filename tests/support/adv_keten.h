@@ -14,6 +14,7 @@
 #include "sub/adv_krit.h"
 #include "sub/ioeti.h"
 #include "sub/iomaat.h"
+#include "sub/muteren.h"
 #include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
@@ -91,6 +92,11 @@ struct AdvKeten : testing::Test {
   }
   static void regel(int van, int naar, const Serienr& nr, uint32_t stuks, uint32_t opdracht = 0) {
     proef_regel(van, naar, nr, {{1, stuks}}, opdracht, "");
+  }
+  static void zet_go(int32_t nummer, const std::function<void(DtGo&)>& doe) {
+    ASSERT_TRUE(go_lees(nummer));
+    doe(go_rec);
+    IXWRITE(dtgo, &go_rec);
   }
   /// Changes the chain's files as a program of its own would.
   void met_keten(const std::function<void()>& doe) {
