@@ -40,10 +40,8 @@ TEST_F(Automatisch, ReplenishesWhatWasSoldFromTheWarehouse) {
  Aanvullen filialen   alle
 )");
   EXPECT_SHOWS(t, "Automatisch aanmaken", "Akkoord? (J/N)");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "KLAAR");
-  t.type(Enter);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_SHOWS(t.type(Enter), "KLAAR");
+  EXPECT_EQ(t.type(Enter).exit_status(), 0);
   EXPECT_EQ(regels(),
             "0>3 10100.10.1 1x1 2x1\n"
             "0>4 10100.10.1 2x1\n"
@@ -56,8 +54,7 @@ TEST_F(Automatisch, WithoutInformationNothingHappens) {
   Terminal t = start();
   EXPECT_SHOWS(t, "Er zijn nog definitieve verzamelopdrachten,",
                "Wilt u toch automatisch aanvullen? (J/N)");
-  t.type("J", Enter, Enter);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type("J", Enter, Enter), "KLAAR");
   EXPECT_EQ(regels(), "0>1 10100.10.1 nr 20000011 1x2\n");
 }
 
@@ -74,15 +71,12 @@ TEST_F(Automatisch, ProvisionalOrdersAreKeptOrGoAllAtOnce) {
   Terminal t = start();
   EXPECT_SHOWS(t, "Er zijn nog voorlopige verzamelopdrachten.",
                "Mogen deze worden verwijderd? (J/N)");
-  t.type("N", Enter);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type("N", Enter), "KLAAR");
   EXPECT_EQ(regels(), voor);
   Terminal u = start();
-  u.type("J", Enter);
-  EXPECT_SHOWS(u, "Wilt u toch automatisch aanvullen");
+  EXPECT_SHOWS(u.type("J", Enter), "Wilt u toch automatisch aanvullen");
   EXPECT_NE(u.output().find("Verwijderen voorlopige verzamelopdrachten"), std::string::npos);
-  u.type("N", Enter);
-  EXPECT_SHOWS(u, "KLAAR");
+  EXPECT_SHOWS(u.type("N", Enter), "KLAAR");
   EXPECT_EQ(regels(),
             "0>2 10100.20.2 nr 20000011 1x1\n1>2 10100.20.2 nr 20000011 1x1\n"
             "2>2 10100.20.2 nr 20000011 1x1\n3>2 10100.20.2 nr 20000011 1x1\n");
@@ -126,8 +120,7 @@ TEST_F(Automatisch, ASeriesThatCannotBeReadWholeIsTold) {
   Terminal t = start();
   t.type(Enter);
   EXPECT_SHOWS(t, "10100.20.2  Etiketten niet volledig leesbaar", "1 series overgeslagen");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Enter), "KLAAR");
   EXPECT_EQ(regels(), "0>3 10100.10.1 1x1 2x1\n0>4 10100.10.1 2x1\n");
 }
 
@@ -166,8 +159,7 @@ TEST_F(Handmatig, AnAcceptedAdviceBecomesOrdersWhenTheSeriesIsLeft) {
   });
   Terminal t = start();
   EXPECT_FALSE(t.shows("Via selectie"));
-  t.type("11");
-  EXPECT_SHOWS(t, "Ingave serienummer");
+  EXPECT_SHOWS(t.type("11"), "Ingave serienummer");
   nummer(t, WEG);
   EXPECT_SHOWS(t, "Serie onbekend");
   nummer(t, ROK);
@@ -175,22 +167,15 @@ TEST_F(Handmatig, AnAcceptedAdviceBecomesOrdersWhenTheSeriesIsLeft) {
   t.type("=");
   EXPECT_EQ(regels(), "0>4 10100.20.2 1x1\n2>4 10100.10.1 nr 20000011 1x7\n")
       << "nothing is written yet";
-  t.type("+");
-  EXPECT_SHOWS(t, "10100.20.2");
-  t.type("-");
-  EXPECT_SHOWS(t, "10100.10.1");
-  t.type("z");
-  EXPECT_SHOWS(t, "Ingave serienummer");
+  EXPECT_SHOWS(t.type("+"), "10100.20.2");
+  EXPECT_SHOWS(t.type("-"), "10100.10.1");
+  EXPECT_SHOWS(t.type("z"), "Ingave serienummer");
   nummer(t, MAT);
-  t.type("+");
-  EXPECT_SHOWS(t, "Geen series met een advies meer");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Ingave serienummer");
+  EXPECT_SHOWS(t.type("+"), "Geen series met een advies meer");
+  EXPECT_SHOWS(t.type(Enter), "Ingave serienummer");
   nummer(t, MAT);
-  t.type(Esc);
-  EXPECT_SHOWS(t, "SERIES", "11 Via serienummer");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc), "SERIES", "11 Via serienummer");
+  EXPECT_SHOWS(t.type(Esc), "KLAAR");
   EXPECT_EQ(regels(), "0>3 10100.10.1 1x1\n0>4 10100.20.2 1x1\n2>4 10100.10.1 nr 20000011 1x7\n");
 }
 
@@ -207,27 +192,20 @@ TEST_F(Handmatig, TheSeriesInHandIsLockedForOthersUntilItIsLeft) {
   nummer(t, ROK);
   EXPECT_SHOWS(t, "10100.10.1");
   EXPECT_EQ(ander.ask("?"), "bezet");
-  t.type("+");
-  EXPECT_SHOWS(t, "10100.20.2");
+  EXPECT_SHOWS(t.type("+"), "10100.20.2");
   EXPECT_EQ(ander.ask("?"), "vrij");
 }
 
 TEST_F(Handmatig, GoesOnInTheOrderOfTheWayThatWasChosen) {
   Terminal t = start();
-  t.type("13");
-  EXPECT_SHOWS(t, "Ingave merk-model");
+  EXPECT_SHOWS(t.type("13"), "Ingave merk-model");
   t.type("5", Enter, "anna", Enter);  // by model: ABBA, ANNA, BEA
   EXPECT_SHOWS(t, "10100.10.1");
-  t.type("+");
-  EXPECT_SHOWS(t, "10100.20.2");
-  t.type("-", "-");
-  EXPECT_SHOWS(t, "10100.50.1");
-  t.type(Esc, "12");
-  EXPECT_SHOWS(t, "Ingave merk-artg-model");
-  t.type("5", Enter, "10100", Enter, std::string(Back) + "bea", Enter);
-  EXPECT_SHOWS(t, "10100.20.2");
-  t.type("-");
-  EXPECT_SHOWS(t, "10100.10.1");
+  EXPECT_SHOWS(t.type("+"), "10100.20.2");
+  EXPECT_SHOWS(t.type("-", "-"), "10100.50.1");
+  EXPECT_SHOWS(t.type(Esc, "12"), "Ingave merk-artg-model");
+  EXPECT_SHOWS(t.type("5", Enter, "10100", Enter, std::string(Back) + "bea", Enter), "10100.20.2");
+  EXPECT_SHOWS(t.type("-"), "10100.10.1");
 }
 
 TEST_F(Handmatig, ThroughTheSelectionInItsOwnOrder) {
@@ -244,16 +222,11 @@ TEST_F(Handmatig, ThroughTheSelectionInItsOwnOrder) {
     serie_gevuld = true;
     opdracht_handmatig();
   });
-  t.type(Esc, "14");
-  EXPECT_SHOWS(t, "10100.50.1");
-  t.type("=", "+");
-  EXPECT_SHOWS(t, "10100.10.1");
-  t.type("=", "z");
-  EXPECT_SHOWS(t, "10100.50.1");
-  t.type("+", "+");
-  EXPECT_SHOWS(t, "Geen series met een advies meer");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "SERIES", "14 Via selectie");
+  EXPECT_SHOWS(t.type(Esc, "14"), "10100.50.1");
+  EXPECT_SHOWS(t.type("=", "+"), "10100.10.1");
+  EXPECT_SHOWS(t.type("=", "z"), "10100.50.1");
+  EXPECT_SHOWS(t.type("+", "+"), "Geen series met een advies meer");
+  EXPECT_SHOWS(t.type(Enter), "SERIES", "14 Via selectie");
   EXPECT_EQ(regels(), "0>3 10100.10.1 1x1\n0>3 10100.50.1 1x1\n");
 }
 

@@ -61,13 +61,11 @@ TEST_F(Voorlopig, OfTheBranchesAndSeriesAskedForOnly) {
 
 Verzendfiliaal    : ___________________________________________________________)");
   EXPECT_SHOWS(t, "Ingave filialen, gescheiden door komma's");
-  t.type(in("0"));
-  EXPECT_EQ(t.row(3), "Verzendfiliaal    : 0");
+  EXPECT_EQ(t.type(in("0")).row(3), "Verzendfiliaal    : 0");
   t.type(in("1,3"));  // past the receiver in between
   EXPECT_EQ(t.row(4), "Bestemmingsfiliaal: 1,3");
   EXPECT_SHOWS(t, "Akkoord? (J/N)");
-  t.type(in("j"));
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(in("j")), "KLAAR");
   EXPECT_EQ(regels(),
             "0>1 10100.10.1 nr 20000011 1x1\n"
             "0>2 10100.10.1 1x1\n"
@@ -88,11 +86,9 @@ TEST_F(Voorlopig, EnterIsAllAndTheOrdersStay) {
   const std::string was = regels();
   for (const bool ja : {false, true}) {
     Terminal t = draai(wis_voorlopig);
-    t.type(Esc, Enter, Enter);
-    EXPECT_EQ(t.row(3), "Verzendfiliaal    : alle");
+    EXPECT_EQ(t.type(Esc, Enter, Enter).row(3), "Verzendfiliaal    : alle");
     EXPECT_EQ(t.row(4), "Bestemmingsfiliaal: alle");
-    t.type(in(ja ? "j" : "n"));
-    EXPECT_SHOWS(t, "KLAAR");
+    EXPECT_SHOWS(t.type(in(ja ? "j" : "n")), "KLAAR");
     EXPECT_EQ(regels(), ja ? "0>1 10100.10.1 nr 20000011 1x1\n"
                              "0>3 10100.10.1 nr 20000028 1x1\n"
                            : was);
@@ -125,12 +121,10 @@ struct Orders : Bewaren {
 TEST_F(Orders, EveryLineOfThoseKeptInTheListGoes) {
   Terminal t = draai(verzamel_wissen);
   EXPECT_SHOWS(t, "Verwijderen bestaande verzamelopdracht", "<ENTER> voor alle");
-  t.type(Enter, Enter);
-  EXPECT_EQ(t.row(3), "Verzendfiliaal    : alle");
+  EXPECT_EQ(t.type(Enter, Enter).row(3), "Verzendfiliaal    : alle");
   EXPECT_EQ(t.row(4), "Printdatum vanaf  : eerste");
   EXPECT_EQ(t.text(5, 1, 26), std::string("Printdatum t/m    : ") + date_plain(date_today()));
-  t.type(Back, Enter);
-  EXPECT_EQ(t.text(5, 1, 27), "Printdatum t/m    : laatste");
+  EXPECT_EQ(t.type(Back, Enter).text(5, 1, 27), "Printdatum t/m    : laatste");
   EXPECT_SHOWS(t, "20000011", "20000028", "20000035");
   t.type(F7, Down, F7, F3);  // the first and the last
   EXPECT_SHOWS(t, "<ENTER> voor alle");
@@ -143,22 +137,16 @@ TEST_F(Orders, EveryLineOfThoseKeptInTheListGoes) {
 
 TEST_F(Orders, WithinTheBranchAndTheDates) {
   Terminal t = draai(verzamel_wissen);
-  t.type(in("2"));
-  EXPECT_EQ(t.row(3), "Verzendfiliaal    : 2");
-  t.type(in("050226"), in("050226"));
-  EXPECT_SHOWS(t, "20000028");
+  EXPECT_EQ(t.type(in("2")).row(3), "Verzendfiliaal    : 2");
+  EXPECT_SHOWS(t.type(in("050226"), in("050226")), "20000028");
   EXPECT_FALSE(t.shows("20000011") || t.shows("20000035"));
   t.type(Esc);
   EXPECT_EQ(t.text(3, 21, 2), "2 ");  // the values of before
-  t.type(Enter, Enter, in("040226"));
-  EXPECT_SHOWS(t, "Geen informatie");
-  t.type(Enter, in("0"), Enter, Enter);
-  EXPECT_SHOWS(t, "Geen informatie");
+  EXPECT_SHOWS(t.type(Enter, Enter, in("040226")), "Geen informatie");
+  EXPECT_SHOWS(t.type(Enter, in("0"), Enter, Enter), "Geen informatie");
   // Branch 0 stands there too, and Enter keeps it; all is what an emptied field means.
-  t.type(Enter, Enter);
-  EXPECT_EQ(t.row(3), "Verzendfiliaal    : 0");
-  t.type(Enter, Enter, Enter, Back, Enter);
-  EXPECT_EQ(t.row(3), "Verzendfiliaal    : alle");
+  EXPECT_EQ(t.type(Enter, Enter).row(3), "Verzendfiliaal    : 0");
+  EXPECT_EQ(t.type(Enter, Enter, Enter, Back, Enter).row(3), "Verzendfiliaal    : alle");
   EXPECT_SHOWS(t.type(Esc), "KLAAR");
 }
 
@@ -239,8 +227,7 @@ TEST_F(Bewaren, DaysKeptAreWrittenAndNothingElse) {
   ProefKeten::sysrec_zet(20, &rec, sizeof rec);
   t.type(in("30"), in("n")).ready();
   EXPECT_EQ(rec20().dagen_bewaard, 21);
-  t.type(in("0"), in("j"));
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(in("0"), in("j")), "KLAAR");
   EXPECT_EQ(rec20().dagen_bewaard, 0);
   EXPECT_EQ(rec20().verkoopdagen, 99);
   EXPECT_EQ(rec20().transit, 1);

@@ -70,8 +70,7 @@ TEST_F(DcCommando, ProcessingAsksFirstAndClaimsAll) {
   }
   EXPECT_TRUE(dc_aanwezig());
   Terminal t = start(dc_verwerken);
-  t.type("J", Enter);
-  EXPECT_SHOWS(t, "SIGNAALLIJST VERWERKTE DC-TRANSACTIES");
+  EXPECT_SHOWS(t.type("J", Enter), "SIGNAALLIJST VERWERKTE DC-TRANSACTIES");
   EXPECT_EQ(klassen(agent), "2111213");
   t.type(Esc);
   EXPECT_TRUE(t.row(20).starts_with("KLAAR")) << t.screen();
@@ -91,8 +90,7 @@ TEST_F(DcCommando, ARunBrokenOffLeavesTheFileForTheNext) {
   for (const time_t begin = time(nullptr); time(nullptr) < begin + 2;) usleep(100000);
   agent.ask("l1");
   ASSERT_TRUE(t.wait_for("Onderbreken")) << t.screen();
-  t.type(Enter);
-  EXPECT_SHOWS(t, "8799999999995");
+  EXPECT_SHOWS(t.type(Enter), "8799999999995");
   t.type(Esc);
   EXPECT_TRUE(t.row(20).starts_with("KLAAR")) << t.screen();
   t = Terminal();

@@ -73,16 +73,12 @@ TEST_F(DcWijzig, ChangesOneLineInPlace) {
   EXPECT_SHOWS(t, "VERZENDING", "10100.10.1", "Huidig", "1  Verzenddatum           12-03-26",
                "3  Bestemmingsfiliaal     2", "4  Opdrachtnummer");
   EXPECT_FALSE(t.shows("Aantal"));  // a label is one piece
-  t.type("3", in("1"));
-  EXPECT_SHOWS(t, "Verzendfiliaal is gelijk aan bestemmingsfiliaal");
-  t.type(Back, in("5"), "4", in("12"));
-  EXPECT_SHOWS(t, "Ongeldig nummer");
+  EXPECT_SHOWS(t.type("3", in("1")), "Verzendfiliaal is gelijk aan bestemmingsfiliaal");
+  EXPECT_SHOWS(t.type(Back, in("5"), "4", in("12")), "Ongeldig nummer");
   t.type(Esc, "1", in("140326"), Esc);
-  t.type(Down, "W");
-  EXPECT_SHOWS(t, codes[3], "10100.20.2", "5  Aantal                 4");
+  EXPECT_SHOWS(t.type(Down, "W"), codes[3], "10100.20.2", "5  Aantal                 4");
   t.type("5", in("25"), "4", in("1234569"));
-  t.type(Esc, Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc, Esc), "KLAAR");
   std::vector<DcRegel> soll = was;
   soll[0].naarfil = 5;
   soll[0].datum = date_number("14032026");
@@ -106,8 +102,7 @@ TEST_F(DcWijzig, AllLinesOfTheListAtOnce) {
   t.type("2", in("3"));  // half of them go there
   EXPECT_SHOWS(t, "Verzendfiliaal is gelijk aan ontvangstfiliaal");
   t.type(Esc, "4", in("20000011"), "3", in("0"));
-  t.type(Esc, Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc, Esc), "KLAAR");
   std::vector<DcRegel> soll = was;
   for (int i = 0; i < 30; ++i) {
     soll[static_cast<size_t>(i)].nummer = 20000011;
@@ -124,10 +119,8 @@ TEST_F(DcWijzig, DeletedLinesStayZeroUntilTheEnd) {
   selecteer(t, "1", {});
   t.type("W");  // gone: no series, so it is the first of the list
   EXPECT_SHOWS(t, "*** etiket is verwijderd ***");
-  t.type(Esc, Down, "W");
-  EXPECT_SHOWS(t, "*** serie is verwijderd ***");
-  t.type(Esc, Down, "V");
-  EXPECT_SHOWS(t, "Dit artikelnummer wordt verwijderd. Akkoord? (J/N)");
+  EXPECT_SHOWS(t.type(Esc, Down, "W"), "*** serie is verwijderd ***");
+  EXPECT_SHOWS(t.type(Esc, Down, "V"), "Dit artikelnummer wordt verwijderd. Akkoord? (J/N)");
   t.type(in("N"));
   EXPECT_TRUE(t.ready());
   EXPECT_TRUE(zelfde(gelezen(), was));
@@ -147,13 +140,10 @@ TEST_F(DcWijzig, DeletedLinesStayZeroUntilTheEnd) {
 TEST_F(DcWijzig, ByArticleNumber) {
   bestand({regel(1, 2, codes[0]), regel(1, 2, codes[1]), regel(3, 1, codes[0])});
   Terminal t = draai(dc_wijzigen);
-  t.type("2", "1", in("4711"));
-  EXPECT_SHOWS(t, "<4711> Artikelnummer niet aanwezig");
-  t.type(in(codes[0]));
-  EXPECT_SHOWS(t, " verzendingen ");
+  EXPECT_SHOWS(t.type("2", "1", in("4711")), "<4711> Artikelnummer niet aanwezig");
+  EXPECT_SHOWS(t.type(in(codes[0])), " verzendingen ");
   EXPECT_FALSE(t.shows(codes[1]));
-  t.type("V", in("J"), Esc, Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type("V", in("J"), Esc, Esc, Esc, Esc), "KLAAR");
   EXPECT_TRUE(zelfde(gelezen(), {regel(1, 2, codes[1]), regel(3, 1, codes[0])}));
   EXPECT_FALSE(file_exists("DTDCIF.TMP"));
 }

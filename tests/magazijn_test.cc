@@ -151,23 +151,17 @@ TEST_F(Magazijn, TheLocationOfASeries) {
   t.type("10100", Enter, "10", Enter, "1", Enter);
   EXPECT_SHOWS(t, "Locatie per serie", "10100.10.1", "Duinroos", "Magazijn", "filiaal-2", "C2");
   EXPECT_EQ(ander.ask(""), "C2");
-  t.type("d4", Enter);
-  EXPECT_SHOWS(t, "Ingave serienummer");
+  EXPECT_SHOWS(t.type("d4", Enter), "Ingave serienummer");
   EXPECT_EQ(ander.ask("E5"), "D4");
-  t.type(Enter, Enter, Enter);
-  EXPECT_SHOWS(t, "E5");
+  EXPECT_SHOWS(t.type(Enter, Enter, Enter), "E5");
   EXPECT_EQ(ander.ask("F6"), "E5");
-  t.type("g7", Enter);
-  EXPECT_SHOWS(t, "De locatie is inmiddels door een ander gewijzigd");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Ingave serienummer");
+  EXPECT_SHOWS(t.type("g7", Enter), "De locatie is inmiddels door een ander gewijzigd");
+  EXPECT_SHOWS(t.type(Enter), "Ingave serienummer");
   EXPECT_EQ(ander.ask(""), "F6");
   t.type("10300", Enter, "1", Enter, "1", Enter);
   EXPECT_SHOWS(t, "Er is GEEN magazijn bij deze artikelgroep.", "<ENTER> voor vervolg");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Ingave serienummer");
-  t.type(Esc);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_SHOWS(t.type(Enter), "Ingave serienummer");
+  EXPECT_EQ(t.type(Esc).exit_status(), 0);
   keten.open();
   DtSer rec{};
   rec.nr = {10100, 10, 1};
@@ -188,14 +182,10 @@ TEST_F(Magazijn, TheCommandAsksForABranch) {
   });
   using namespace toets;
   EXPECT_SHOWS(t, "Magazijnlocaties", "Filiaal", "<ENTER> voor alle");
-  t.type("4", Enter);
-  EXPECT_SHOWS(t, "Geen informatie");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "<ENTER> voor alle");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "LOCATIES MAGAZIJN 2", "10100.10.1", "Einde overzicht");
-  t.type(Esc);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_SHOWS(t.type("4", Enter), "Geen informatie");
+  EXPECT_SHOWS(t.type(Enter), "<ENTER> voor alle");
+  EXPECT_SHOWS(t.type(Enter), "LOCATIES MAGAZIJN 2", "10100.10.1", "Einde overzicht");
+  EXPECT_EQ(t.type(Esc).exit_status(), 0);
 }
 
 }  // namespace

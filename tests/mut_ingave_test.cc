@@ -77,22 +77,17 @@ TEST_F(MutIngave, AScannerSendsLabelsOneAfterAnother) {
   });
   Terminal t = start(verz_ingave);
   EXPECT_SHOWS(t, "VERZENDMUTATIES - Ingave per nummer", "Van  filiaal");
-  t.type(in("1"), in("1"));
-  EXPECT_SHOWS(t, "Ongeldige ingave");
-  t.type(in("3"));
-  EXPECT_EQ(t.row(3), "Van  filiaal  1              naar filiaal  3");
+  EXPECT_SHOWS(t.type(in("1"), in("1")), "Ongeldige ingave");
+  EXPECT_EQ(t.type(in("3")).row(3), "Van  filiaal  1              naar filiaal  3");
   EXPECT_EQ(t.row(4), "Opdrachtnr Niet ingegeven");
   t.type(in(code(n[0])));
   EXPECT_EQ(t.row(22),
             str_format("Artikel %08ld      %-8sSerie 101000100001  Maat M    Filiaal 1", n[0], ""));
   EXPECT_EQ(t.row(23), "Akkoord? (J/N) _");
-  t.type(in("N"));
-  EXPECT_SHOWS(t, str_format("<%ld> Niet akkoord", n[0]));
-  t.type(in(code(n[0])), Esc);
-  EXPECT_SHOWS(t, str_format("<%ld> Niet akkoord", n[0]));
+  EXPECT_SHOWS(t.type(in("N")), str_format("<%ld> Niet akkoord", n[0]));
+  EXPECT_SHOWS(t.type(in(code(n[0])), Esc), str_format("<%ld> Niet akkoord", n[0]));
   EXPECT_EQ(t.row(6), "");
-  t.type(in("a12"));
-  EXPECT_SHOWS(t, "Alleen etiket- of seriemaatnr mogelijk");
+  EXPECT_SHOWS(t.type(in("a12")), "Alleen etiket- of seriemaatnr mogelijk");
   t.type(in(code(n[0])));
   // Another code is no answer, the same one is; whatever is scanned ahead comes in turn.
   t.type(in(code(n[1])));
@@ -109,8 +104,7 @@ artikel       stuks         artikel       stuks         artikel       stuks
 %08ld          1
 )",
                          n[0], n[1], n[2], n[3]));
-  t.type(Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc), "KLAAR");
   met_keten([&] {
     for (const int32_t nummer : n) {
       EXPECT_EQ(staat(proef_lees(nummer)), "1>3");
@@ -133,21 +127,17 @@ TEST_F(MutIngave, AnOrderNamesTheReceiver) {
     AdvKeten::regel(2, 3, JAS, 2, ORDER);
   });
   Terminal t = start(verz_ingave);
-  t.type(in("1"));
-  EXPECT_SHOWS(t, "Opdrachtnr", "<ESC> zonder opdracht");
-  t.type(in("20000011"));
-  EXPECT_EQ(t.row(3), "Van  filiaal  1              naar filiaal  4");
+  EXPECT_SHOWS(t.type(in("1")), "Opdrachtnr", "<ESC> zonder opdracht");
+  EXPECT_EQ(t.type(in("20000011")).row(3), "Van  filiaal  1              naar filiaal  4");
   EXPECT_EQ(t.row(4), "Opdrachtnr 20000011");
   t.type(in(code(een)), in("J"));
   // Back: the order of several receivers leaves the branch open.
-  t.type(Esc, in("20000028"));
-  EXPECT_EQ(t.row(3), "Van  filiaal  1              naar filiaal  _");
+  EXPECT_EQ(t.type(Esc, in("20000028")).row(3), "Van  filiaal  1              naar filiaal  _");
   EXPECT_EQ(t.row(4), "Opdrachtnr 20000028");
   t.type(in("2"));
   t.type(in(code(twee)), in("J"), Esc);
   t.type(Esc);
-  t.type(Esc, Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc, Esc), "KLAAR");
   met_keten([&] {
     ASSERT_TRUE(go_lees(een));
     EXPECT_EQ(go_rec.opdrachtnr, ORDER);
@@ -167,8 +157,7 @@ TEST_F(MutIngave, TheListStartsAgainWhenItIsFull) {
     }
   });
   Terminal t = scan(verz_ingave, "1", "3");
-  t.type(codes);
-  EXPECT_EQ(t.row(6), code(laatste) + "          1");
+  EXPECT_EQ(t.type(codes).row(6), code(laatste) + "          1");
   EXPECT_EQ(t.row(7), "");
   EXPECT_EQ(t.row(20), "");
 }
@@ -181,14 +170,11 @@ TEST_F(MutIngave, AReceiptNobodySentAsksForANumber) {
   });
   Terminal t = start(ontv_ingave);
   EXPECT_SHOWS(t, "ONTVANGSTMUTATIES - Ingave per nummer");
-  t.type(in("1"), in("3"), Enter);
-  EXPECT_EQ(t.row(4), "Opdrachtnr Niet ingegeven");
+  EXPECT_EQ(t.type(in("1"), in("3"), Enter).row(4), "Opdrachtnr Niet ingegeven");
   t.type(in(code(een)), in("J"), Esc);
-  t.type(in("12"));
-  EXPECT_SHOWS(t, "Ongeldig nummer");
+  EXPECT_SHOWS(t.type(in("12")), "Ongeldig nummer");
   t.type(in("11"), in(code(twee)), in("J"));
-  t.type(Esc, Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc, Esc), "KLAAR");
   met_keten([&] {
     EXPECT_EQ(proef_lees(een).filiaal, 3);
     EXPECT_TRUE(proef_inhoud<DtGo>(dtgo).empty());
@@ -207,8 +193,7 @@ struct Geval {
 /// Each code on the message line as the text it should give; a question behind it is denied.
 void probeer(Terminal& t, const std::vector<Geval>& gevallen) {
   for (const Geval& g : gevallen) {
-    t.type(in(g.code));
-    EXPECT_EQ(t.row(25), g.soll);
+    EXPECT_EQ(t.type(in(g.code)).row(25), g.soll);
     if (t.row(23).starts_with("Akkoord")) t.type(Esc);
   }
   EXPECT_EQ(t.row(6), "") << "nothing moved";
@@ -308,10 +293,8 @@ TEST_F(Redenen, OfAConfirmation) {
   const std::string eerst = bytes();
   Terminal t = start(ing_ontvangst);
   EXPECT_SHOWS(t, "Ontvangstbevestiging per nummer", "Naar filiaal");
-  t.type(in("3"), in("1"));
-  EXPECT_SHOWS(t, "van filiaal  1", "Documentnummer");
-  t.type(Enter);
-  EXPECT_EQ(t.row(4), "Documentnummer Niet ingegeven");
+  EXPECT_SHOWS(t.type(in("3"), in("1")), "van filiaal  1", "Documentnummer");
+  EXPECT_EQ(t.type(Enter).row(4), "Documentnummer Niet ingegeven");
   probeer(t, algemeen);
   probeer(t, zonder);
   t.type(Esc, in("20000011"));
@@ -341,8 +324,7 @@ TEST_F(MutIngave, AConfirmationFinishesItsTransit) {
   EXPECT_EQ(t.row(7), code(kaal) + "          1") << t.screen();
   t.type(Esc);  // the number is passed over on the way back too
   EXPECT_SHOWS(t, "van filiaal");
-  t.type(Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR");
+  EXPECT_SHOWS(t.type(Esc, Esc), "KLAAR");
   met_keten([&] {
     for (const int32_t n : {gewoon, ander, kaal}) EXPECT_EQ(staat(proef_lees(n)), "3");
     EXPECT_EQ(staat(proef_lees(verkocht)), "3V");
@@ -377,19 +359,15 @@ TEST_F(MutIngave, ACountOfPiecesOfOneSize) {
   EXPECT_EQ(t.row(22), "Artikel M1002               Stuks 1       Serie 101000200002 Maat M");
   EXPECT_EQ(t.row(23), "Akkoord? (J/N) _");
   EXPECT_EQ(t.row(25), "TAB voor wijzigen stuks");
-  t.type(Tab, in("13"));
-  EXPECT_EQ(t.row(25), "Filiaal heeft 12 stuks voorraad");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "Stuks 1  ", "TAB voor wijzigen stuks");
-  t.type(Tab, in("11"));
-  EXPECT_SHOWS(t, "Stuks 11 ");
+  EXPECT_EQ(t.type(Tab, in("13")).row(25), "Filiaal heeft 12 stuks voorraad");
+  EXPECT_SHOWS(t.type(Esc), "Stuks 1  ", "TAB voor wijzigen stuks");
+  EXPECT_SHOWS(t.type(Tab, in("11")), "Stuks 11 ");
   t.type(in(maatcode));  // the same code in its other form
   EXPECT_EQ(t.row(6), "M1002            11");
   EXPECT_EQ(t.row(25), "");
   t.type(in(maatcode) + in(maatcode));
   EXPECT_SHOWS(t, "M1002            11         " + maatcode + "     1");
-  t.type(in(maatcode));
-  EXPECT_SHOWS(t, "Geen voorraad aanwezig");
+  EXPECT_SHOWS(t.type(in(maatcode)), "Geen voorraad aanwezig");
   t.type(Esc, Esc, Esc);
 
   // One of them is sold where it arrived; a label of the series stands for any piece of its size.
@@ -406,12 +384,10 @@ TEST_F(MutIngave, ACountOfPiecesOfOneSize) {
   o.type(in(code(n[0])));
   EXPECT_SHOWS(o, str_format("<%ld> Maat M   Serie met maatregistratie (101000200002)", n[0]));
   o.type(in("J"));
-  o.type(in(maatcode), Tab, in("12"));
-  EXPECT_SHOWS(o, "Filiaal heeft 11 stuks onderweg");
+  EXPECT_SHOWS(o.type(in(maatcode), Tab, in("12")), "Filiaal heeft 11 stuks onderweg");
   o.type(in("11") + in(maatcode));
   EXPECT_EQ(o.row(6), code(n[0]) + "          1         " + maatcode + "    11");
-  o.type(Esc, Esc, Esc);
-  EXPECT_SHOWS(o, "KLAAR");
+  EXPECT_SHOWS(o.type(Esc, Esc, Esc), "KLAAR");
   met_keten([&] {
     for (const DtGo& go : proef_inhoud<DtGo>(dtgo)) EXPECT_EQ(go.afgewerkt, 1);
     EXPECT_EQ(proef_inhoud<DtIo>(dtio).size(), 12u);
@@ -430,8 +406,7 @@ TEST_F(MutIngave, APieceThatAnInventoryMissedIsStockAgain) {
     serie_schrijf();
   });
   Terminal t = scan(ing_ontvangst, "3", "1");
-  t.type(in(maatcode) + in("J"));
-  EXPECT_EQ(t.row(6), maatcode + "     1");
+  EXPECT_EQ(t.type(in(maatcode) + in("J")).row(6), maatcode + "     1");
   met_keten([&] {
     EXPECT_EQ(staat(proef_lees(n)), "3");
     ASSERT_TRUE(serie_wacht(JAS));
@@ -476,11 +451,9 @@ TEST_F(MutIngave, ASeriesOfAnInventoryStaysLockedUntilTheNextCode) {
     stuk(JAS, ETI_VOORRAAD, 2, 1);
   });
   Terminal t = scan(verz_ingave, "1", "3");
-  t.type(in(code(telling)));
-  EXPECT_SHOWS(t, "Inventarisatie filiaal 2");
+  EXPECT_SHOWS(t.type(in(code(telling))), "Inventarisatie filiaal 2");
   EXPECT_EQ(ander.ask("rok"), "bezet");
-  t.type(in("8710000000003"));
-  EXPECT_SHOWS(t, "EAN-code onbekend");
+  EXPECT_SHOWS(t.type(in("8710000000003")), "EAN-code onbekend");
   EXPECT_EQ(ander.ask("rok"), "vrij");
   t.type(in(code(telling)), Esc);
   EXPECT_TRUE(t.ready());
@@ -489,11 +462,9 @@ TEST_F(MutIngave, ASeriesOfAnInventoryStaysLockedUntilTheNextCode) {
   // By size nobody waits.
   t.type(in("3"));
   EXPECT_EQ(ander.ask("jas"), "vrij");
-  t.type(in(maatcode));
-  EXPECT_SHOWS(t, "<" + maatcode + "> Serie in gebruik");
+  EXPECT_SHOWS(t.type(in(maatcode)), "<" + maatcode + "> Serie in gebruik");
   EXPECT_EQ(ander.ask("jas los"), "");
-  t.type(in(maatcode));
-  EXPECT_SHOWS(t, "Akkoord? (J/N)");
+  EXPECT_SHOWS(t.type(in(maatcode)), "Akkoord? (J/N)");
 }
 
 TEST_F(MutIngave, OneTerminalSendsAnotherConfirms) {
@@ -505,8 +476,7 @@ TEST_F(MutIngave, OneTerminalSendsAnotherConfirms) {
   Terminal zend = scan(verz_ingave, "1", "3", 5);
   Terminal ontvang = scan(ing_ontvangst, "3", "1", 6);
   for (const int32_t n : rokken) {
-    zend.type(in(code(n)));
-    EXPECT_SHOWS(zend, "Akkoord");
+    EXPECT_SHOWS(zend.type(in(code(n))), "Akkoord");
     ontvang.type(in(code(n)));  // waits for the series as long as the other has not answered
     EXPECT_TRUE(ontvang.wait_for("Informatie in gebruik"));
     zend.type(in(code(n)));
@@ -579,8 +549,7 @@ TEST_F(MutIngave, MoneyAndTransitFollowEveryPiece) {
     });
     Terminal t = start([&] { willekeurig(zaad, nummers, maatcode); });
     ASSERT_TRUE(t.wait_for("KLAAR")) << t.screen();
-    t.type(Enter);
-    EXPECT_EQ(t.exit_status(), 0);
+    EXPECT_EQ(t.type(Enter).exit_status(), 0);
     met_keten([&] {
       size_t lopend = 0, bewogen = 0;
       for (const DtGo& go : proef_inhoud<DtGo>(dtgo)) lopend += go.afgewerkt == 0;

@@ -132,8 +132,7 @@ TEST_F(OpdrKies, ThreeOrdersOfTheListAndTheirSearchFields) {
   EXPECT_SHOWS(t.type(in("1")), "  1    4 20000035 03-01-26");
   EXPECT_SHOWS(t.type(Tab), " datum    nummer   van naar");
   EXPECT_SHOWS(t.type(in("020226")), "Datum (DDMMJJ) ______");  // the next date
-  t.type(F3);
-  EXPECT_EQ(t.row(22), "ja 20000028 1>12 05-02-26 3/2");
+  EXPECT_EQ(t.type(F3).row(22), "ja 20000028 1>12 05-02-26 3/2");
 }
 
 TEST_F(OpdrKies, LeavingTheListComesBackToTheFieldAndNothingIsNumberZero) {

@@ -312,17 +312,12 @@ TEST_F(Controleren, TheOrderIsDropped) {
            (file_exists((controle_bestand() + ".TXT").c_str()) ? " rest" : "");
   });
   EXPECT_SHOWS(t, "Controle uitvoering opdracht", "Verzendfiliaal", "Opdrachtnummer");
-  t.type(in("1"), in("20000011"));
-  EXPECT_SHOWS(t, "1 -> 3", "Niveau", "1 Compact", "2 Uitgebreid");
-  t.type("1");
-  EXPECT_SHOWS(t, "Telling", "1 Alle series", "2 Series met verschillen");
-  t.type("2");
-  EXPECT_SHOWS(t, "Afdrukvolgorde", "3 merk - model");
-  t.type("1");
-  EXPECT_SHOWS(t, "CONTROLE VERZAMELOPDRACHT COMPACT", "10100.20.2");
+  EXPECT_SHOWS(t.type(in("1"), in("20000011")), "1 -> 3", "Niveau", "1 Compact", "2 Uitgebreid");
+  EXPECT_SHOWS(t.type("1"), "Telling", "1 Alle series", "2 Series met verschillen");
+  EXPECT_SHOWS(t.type("2"), "Afdrukvolgorde", "3 merk - model");
+  EXPECT_SHOWS(t.type("1"), "CONTROLE VERZAMELOPDRACHT COMPACT", "10100.20.2");
   EXPECT_FALSE(t.shows("10100.10.1"));
-  t.type(Esc);
-  EXPECT_SHOWS(t, "Uitvoering verzamelopdracht goedgekeurd; opdracht verwijderen? (J/N)");
+  EXPECT_SHOWS(t.type(Esc), "Uitvoering verzamelopdracht goedgekeurd; opdracht verwijderen? (J/N)");
   // Somebody else is at work on orders: the order stays until he is done.
   ASSERT_EQ(ander.ask("neem"), "vast");
   t.type_now("J\r");
@@ -330,8 +325,7 @@ TEST_F(Controleren, TheOrderIsDropped) {
   EXPECT_EQ(ander.ask("los"), "los");
   EXPECT_TRUE(t.wait_for("KLAAR"));
   EXPECT_EQ(t.row(20), "KLAAR 2");
-  t.type(Enter);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type(Enter).exit_status(), 0);
   EXPECT_EQ(regels(), "1>3 10100.20.2 nr 20000028 1x7\n");
 }
 
@@ -341,12 +335,9 @@ TEST_F(Controleren, NoDifferencesAndTheOrderStays) {
   keten.sluit();
   Terminal t = draai(opdracht_controle);
   t.type(Enter, Enter, Enter);  // the browser's only order
-  t.type("2", "2", "1");
-  EXPECT_SHOWS(t, "Geen series met verschillen");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "opdracht verwijderen? (J/N)");
-  t.type(in("N"));
-  EXPECT_EQ(t.row(20), "KLAAR");
+  EXPECT_SHOWS(t.type("2", "2", "1"), "Geen series met verschillen");
+  EXPECT_SHOWS(t.type(Enter), "opdracht verwijderen? (J/N)");
+  EXPECT_EQ(t.type(in("N")).row(20), "KLAAR");
   keten.open();
   EXPECT_EQ(dtpick_soorten(), OPDR_DEFINITIEF);
 }

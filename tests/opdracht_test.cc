@@ -70,8 +70,7 @@ struct Opdracht : ::testing::Test {
 
 TEST_F(Opdracht, ProvisionalOrdersAreOnlyLookedAt) {
   Terminal weg = start(opdracht_voorlopig);
-  weg.type(Esc, Esc);
-  EXPECT_EQ(weg.row(22), "klaar");
+  EXPECT_EQ(weg.type(Esc, Esc).row(22), "klaar");
   Terminal t = start(opdracht_voorlopig);
   EXPECT_TRUE(t.shows("Selectiecriteria"));
   t.type(Esc);
@@ -105,10 +104,8 @@ TEST_F(Opdracht, ANewOrderIsDefinitiveBeforeItIsPrinted) {
 TEST_F(Opdracht, AnOrderAgain) {
   Terminal t = start(opdracht_bestaand);
   EXPECT_TRUE(t.row(4).starts_with("Opdrachtnummer ________")) << t.screen();
-  t.type(Enter);
-  EXPECT_TRUE(t.shows("20000011   2 alle 03-02-26     24      2"));
-  t.type(Enter);
-  EXPECT_EQ(t.text(4, 16, 8), "20000011");
+  EXPECT_TRUE(t.type(Enter).shows("20000011   2 alle 03-02-26     24      2"));
+  EXPECT_EQ(t.type(Enter).text(4, 16, 8), "20000011");
   EXPECT_TRUE(t.row(6).starts_with("Afdrukvolgorde")) << t.screen();
   t.type("1");
   bekijk(t, {"VERZAMELOPDRACHT FILIAAL 2", "10100.10.1", "10200.310.4"});

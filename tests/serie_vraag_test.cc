@@ -44,25 +44,21 @@ struct Vraag : AdvKeten {
 TEST_F(Vraag, ByNumberWholeOrFromTheList) {
   Terminal t = vraag(SerieVraag::nummer, 3);
   EXPECT_SHOWS(t, "Ingave serienummer", "Artikelgroep", "Kleurnummer", "Volgnummer");
-  t.type("10100", Enter, "20", Enter, "7", Enter);
-  EXPECT_SHOWS(t, "Serie onbekend", "Rokken");
+  EXPECT_SHOWS(t.type("10100", Enter, "20", Enter, "7", Enter), "Serie onbekend", "Rokken");
   t.type(Enter, Enter, "5", Enter);
   // The next question starts with what was typed; an empty colour is all of the group.
   t.type(Enter, std::string(Back) + Enter);
   EXPECT_SHOWS(t, " selecteren serie ", "10100.10.1", "10100.20.1     ANNA            Rok smal",
                "10100.20.2     BEA             Jas lang");
   t.type("20", Enter);
-  t.type(Down, Enter);
-  EXPECT_SHOWS(t, "Ingave serienummer");
-  t.type(Enter, "10", Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR 10100.20.5 10100.20.2 weg");
+  EXPECT_SHOWS(t.type(Down, Enter), "Ingave serienummer");
+  EXPECT_SHOWS(t.type(Enter, "10", Esc, Esc), "KLAAR 10100.20.5 10100.20.2 weg");
 }
 
 TEST_F(Vraag, ByBrandArticleAndModel) {
   Terminal t = vraag(SerieVraag::merk_artikel_model, 3);
   EXPECT_SHOWS(t, "Ingave merk-artg-model");
-  t.type("5", Enter);
-  EXPECT_SHOWS(t, "Duinroos");
+  EXPECT_SHOWS(t.type("5", Enter), "Duinroos");
   t.type("10200", Enter, "dora", Enter);  // one series: taken at once
   t.type(Enter, "10100", Enter, "anna", Enter);
   EXPECT_SHOWS(t, " selecteren serie ", "10100.20.5     ANNA            Rok wijd");
@@ -72,25 +68,20 @@ TEST_F(Vraag, ByBrandArticleAndModel) {
   t.type(Down, Down, Enter);
   t.type(Enter, "10300", Enter, "zoe", Enter);  // one series, but not the model that was typed
   EXPECT_SHOWS(t, " selecteren serie ", "10300.10.1     ELLA");
-  t.type(Esc, Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR 10200.10.2 10100.20.5 weg");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc, Esc), "KLAAR 10200.10.2 10100.20.5 weg");
 }
 
 TEST_F(Vraag, ByBrandAndModelOverAllArticleGroups) {
   Terminal t = vraag(SerieVraag::merk_model, 3);
   EXPECT_SHOWS(t, "Ingave merk-model");
-  t.type("duin", Enter, F5);
-  EXPECT_SHOWS(t, " selecteren model ", "ANNA", "BEA", "DORA");
+  EXPECT_SHOWS(t.type("duin", Enter, F5), " selecteren model ", "ANNA", "BEA", "DORA");
   t.type(Down, Enter);  // one series only: taken at once
   // An unknown model shows what comes behind it, an empty one all.
-  t.type(Enter, "B", Enter);
-  EXPECT_SHOWS(t, " selecteren serie ", "10100.20.2     BEA");
+  EXPECT_SHOWS(t.type(Enter, "B", Enter), " selecteren serie ", "10100.20.2     BEA");
   EXPECT_FALSE(t.shows("Rok smal"));
   t.type("d", Enter, Enter);
-  t.type(Enter, Back, Enter);
-  EXPECT_SHOWS(t, "10100.10.1     ANNA", "10200.10.2     DORA");
-  t.type(Esc, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR 10100.20.2 10200.10.2 weg");
+  EXPECT_SHOWS(t.type(Enter, Back, Enter), "10100.10.1     ANNA", "10200.10.2     DORA");
+  EXPECT_SHOWS(t.type(Esc, Esc, Esc), "KLAAR 10100.20.2 10200.10.2 weg");
 }
 
 TEST_F(Vraag, ABrandWithoutSeriesIsTold) {
@@ -100,12 +91,10 @@ TEST_F(Vraag, ABrandWithoutSeriesIsTold) {
     ProefKeten::voeg(dtmerk, merk);
   });
   Terminal t = vraag(SerieVraag::merk_model);
-  t.type("9", Enter, Enter);
-  EXPECT_SHOWS(t, "Serie onbekend");
+  EXPECT_SHOWS(t.type("9", Enter, Enter), "Serie onbekend");
   t.type(F5, F10, F6, F3);  // all brands marked: the field again
   EXPECT_SHOWS(t, "Ingave merk-model");
-  t.type(F5, Down, Enter, Esc, Esc);
-  EXPECT_SHOWS(t, "KLAAR weg");
+  EXPECT_SHOWS(t.type(F5, Down, Enter, Esc, Esc), "KLAAR weg");
   EXPECT_FALSE(std::filesystem::exists("DTMERK.Q07"));
 }
 

@@ -119,26 +119,19 @@ VRK   2   0   0   2
 GO    0   0   0   0
 )");
   EXPECT_TRUE(t.reverse(5, 5));
-  t.type("h");
-  EXPECT_TRUE(t.row(3).starts_with("huidig + aanvuladvies "));
+  EXPECT_TRUE(t.type("h").row(3).starts_with("huidig + aanvuladvies "));
   EXPECT_EQ(t.row(5), "0     3<  5   0   8");
   t.type("=");  // nothing to overwrite: no question
   EXPECT_TRUE(t.row(3).starts_with("Aanvullen uitgevoerd "));
-  t.type("1");
-  EXPECT_TRUE(t.row(3).starts_with("nieuw VRD "));
+  EXPECT_TRUE(t.type("1").row(3).starts_with("nieuw VRD "));
   EXPECT_EQ(t.row(9), "TOT   8   7   2  17");
-  t.type("b");
-  EXPECT_TRUE(t.row(3).starts_with("huidig VRD "));
+  EXPECT_TRUE(t.type("b").row(3).starts_with("huidig VRD "));
   EXPECT_EQ(t.row(5), "0     5   5   0  10");
-  t.type("2");
-  EXPECT_TRUE(t.row(3).starts_with("beschikbaar VRD "));
-  t.type("3");
-  EXPECT_TRUE(t.row(3).starts_with("mutaties "));
+  EXPECT_TRUE(t.type("2").row(3).starts_with("beschikbaar VRD "));
+  EXPECT_TRUE(t.type("3").row(3).starts_with("mutaties "));
   EXPECT_EQ(t.row(7), "2     2>  0   0   2");
-  t.type("e");
-  EXPECT_EQ(t.row(25), "niet beschikbaar");
-  t.type("+");
-  EXPECT_EQ(t.row(1), " Klaar 19 80 * Voorraad");
+  EXPECT_EQ(t.type("e").row(25), "niet beschikbaar");
+  EXPECT_EQ(t.type("+").row(1), " Klaar 19 80 * Voorraad");
   EXPECT_EQ(t.row(5), "2: 2 0 0");
 }
 
@@ -177,20 +170,17 @@ TEST(Matrix, AChainWithoutAWarehouseRedistributesAndChoosesFromAList) {
   });
   EXPECT_TRUE(t.row(3).starts_with("Herverdelen  "));
   EXPECT_EQ(t.row(6), "1    -3X  0   0  -3");  // it has two
-  t.type(toets::Enter);
-  EXPECT_TRUE(t.shows("=  Advies overnemen"));
+  EXPECT_TRUE(t.type(toets::Enter).shows("=  Advies overnemen"));
   EXPECT_TRUE(t.shows("W  Wijzigen voorraadverdeling"));
   EXPECT_FALSE(t.shows("Switchadvies │"));
   t.type(toets::Enter);  // the first of them
   EXPECT_TRUE(t.row(3).starts_with("Herverdelen uitgevoerd  "));
   EXPECT_EQ(t.row(6), "1    -1X  0   1   0");
-  t.type("w");
-  EXPECT_TRUE(t.shows("1 Filiaalmutaties"));
+  EXPECT_TRUE(t.type("w").shows("1 Filiaalmutaties"));
   EXPECT_TRUE(t.shows("2 Compleet verplaatsen"));
   EXPECT_FALSE(t.shows("Magazijnmutaties"));
   EXPECT_EQ(t.text(25, 54, 26), "Wijzigen voorraadverdeling");
-  t.type(toets::Esc, toets::Esc);
-  EXPECT_TRUE(t.row(1).starts_with(" Klaar 0 80"));
+  EXPECT_TRUE(t.type(toets::Esc, toets::Esc).row(1).starts_with(" Klaar 0 80"));
   EXPECT_EQ(t.row(5), "2: 3 0 0");
 }
 
@@ -202,16 +192,12 @@ TEST(Matrix, ExistingMutationsAreOverwrittenOnlyWhenTheOperatorSaysSo) {
     zet(advies.m_voorlopig, 3, {1, 0, 0});
   });
   EXPECT_EQ(t.row(5), "0    -2*  0   0  -2");
-  t.type("=");
-  EXPECT_TRUE(t.row(3).starts_with("bestaande mutaties "));
+  EXPECT_TRUE(t.type("=").row(3).starts_with("bestaande mutaties "));
   EXPECT_EQ(t.row(8), "3     1>  0   0   1");
   EXPECT_TRUE(t.row(24).starts_with("Bestaande mutaties overschrijven? (J/N)"));
-  t.type("N\r");
-  EXPECT_TRUE(t.row(3).starts_with("Aanvullen advies "));
-  t.type("a");
-  EXPECT_EQ(t.row(8), "3     1>  0   0   1");
-  t.type("p", "=", "J\r", toets::Esc);
-  EXPECT_EQ(t.row(3), "0: -2 0 0");
+  EXPECT_TRUE(t.type("N\r").row(3).starts_with("Aanvullen advies "));
+  EXPECT_EQ(t.type("a").row(8), "3     1>  0   0   1");
+  EXPECT_EQ(t.type("p", "=", "J\r", toets::Esc).row(3), "0: -2 0 0");
   EXPECT_EQ(t.row(6), "3: 0 0 0");
 }
 
@@ -221,15 +207,11 @@ TEST(Matrix, DeletedReplenishmentInformationTakesItsAdviceAlong) {
     met_aanvul();
     met_info();
   });
-  t.type("o");
-  EXPECT_TRUE(t.row(3).starts_with("Aanvulinformatie "));
+  EXPECT_TRUE(t.type("o").row(3).starts_with("Aanvulinformatie "));
   EXPECT_EQ(t.row(7), "2     2   0   0   2");
-  t.type("p", "v");
-  EXPECT_TRUE(t.row(24).starts_with("Aanvulinformatie verwijderen? (J/N)"));
-  t.type("N\r");
-  EXPECT_TRUE(t.row(24).starts_with("Uw keuze  = O V"));
-  t.type("v", "J\r");
-  EXPECT_TRUE(t.shows("Geen aanvuladvies aanwezig"));
+  EXPECT_TRUE(t.type("p", "v").row(24).starts_with("Aanvulinformatie verwijderen? (J/N)"));
+  EXPECT_TRUE(t.type("N\r").row(24).starts_with("Uw keuze  = O V"));
+  EXPECT_TRUE(t.type("v", "J\r").shows("Geen aanvuladvies aanwezig"));
   EXPECT_TRUE(t.row(24).starts_with("Uw keuze  W X"));
   t.type(toets::Esc);
   k.open();
@@ -248,12 +230,9 @@ TEST(Matrix, OtherCriteriaAreCalculatedAtOnce) {
     advies.groep.streef[2] = 2;
   });
   EXPECT_FALSE(t.row(24).starts_with("Uw keuze  ="));
-  t.type("x");
-  EXPECT_TRUE(t.shows("SELECTIE OP ADVIEZEN"));
-  t.type(toets::Esc);
-  EXPECT_TRUE(t.row(24).starts_with("Uw keuze  P O V"));
-  t.type("p");
-  EXPECT_EQ(t.row(5), "0    -2<  0   0  -2");
+  EXPECT_TRUE(t.type("x").shows("SELECTIE OP ADVIEZEN"));
+  EXPECT_TRUE(t.type(toets::Esc).row(24).starts_with("Uw keuze  P O V"));
+  EXPECT_EQ(t.type("p").row(5), "0    -2<  0   0  -2");
 }
 
 /// A series with pieces: five in the warehouse, one sold twenty days ago in branch 2.
@@ -298,20 +277,14 @@ TEST(Matrix, OtherDaysOfSalesAreReadAndMutationsStay) {
 TEST(Wijzigen, TheWarehouseGivesNoMoreThanItHas) {
   Keten k(4);
   Terminal t = toon(k, ADV_MUTATIES, [] { zet(advies.m_uit, 0, {1, 0, 0}); });
-  t.type("w");
-  EXPECT_TRUE(t.shows("1 Magazijnmutaties"));
-  t.type("1");
-  EXPECT_EQ(t.row(24), "Filiaal _    <ENTER> voor alle");
-  t.type("0\r");
-  EXPECT_EQ(t.row(25), "Ingave magazijn niet toegestaan");
-  t.type("2\r");
-  EXPECT_EQ(t.row(24), "Filiaal 2  Maat ___  <ENTER> voor alle");
-  t.type("41\r");
-  EXPECT_EQ(t.row(25), "Onbekende/foutieve maat");
+  EXPECT_TRUE(t.type("w").shows("1 Magazijnmutaties"));
+  EXPECT_EQ(t.type("1").row(24), "Filiaal _    <ENTER> voor alle");
+  EXPECT_EQ(t.type("0\r").row(25), "Ingave magazijn niet toegestaan");
+  EXPECT_EQ(t.type("2\r").row(24), "Filiaal 2  Maat ___  <ENTER> voor alle");
+  EXPECT_EQ(t.type("41\r").row(25), "Onbekende/foutieve maat");
   t.type("38\r", "5\r");  // one of its five is on its way out
   EXPECT_EQ(t.row(25), "Meer dan de voorraad in het magazijn van deze maat");
-  t.type("4\r");
-  EXPECT_EQ(t.row(5), "0     1<  5   0   6");
+  EXPECT_EQ(t.type("4\r").row(5), "0     1<  5   0   6");
   EXPECT_EQ(t.row(7), "2     4>  1   0   5");
   EXPECT_EQ(t.row(24), "Filiaal _    <ENTER> voor alle");
   t.type("\r", "39\r", "1\r", toets::Down, "2\r");  // branch 1, not 2, branch 3
@@ -333,20 +306,17 @@ TEST(Wijzigen, BranchesKeepTheTotalOfASize) {
   t.type("2", "w", "2");
   EXPECT_FALSE(t.shows("Beschikbare"));  // all of the stock is divided
   EXPECT_EQ(t.row(9), "TOT   0   0   0   0");
-  t.type("6\r");
-  EXPECT_EQ(t.row(25), "Meer dan de totale voorraad van deze maat");
+  EXPECT_EQ(t.type("6\r").row(25), "Meer dan de totale voorraad van deze maat");
   t.type(toets::Home, "2\r");  // three to place
   EXPECT_EQ(t.row(9), "TOT   3   0   0   3");
   EXPECT_EQ(t.row(10), "+/-  -3   0   0  -3");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(25), "Nog niet alle aantallen zijn verdeeld.");
+  EXPECT_EQ(t.type(toets::Esc).row(25), "Nog niet alle aantallen zijn verdeeld.");
   t.type(toets::Down, toets::Left, "4", toets::Down, "1\r");
   EXPECT_EQ(t.row(6), "1     4>  0   1   5");
   EXPECT_EQ(t.row(9), "TOT   0   0   0   0");
   t.type(toets::Down, toets::Down, "1\r");  // the chain's row
   EXPECT_EQ(t.row(25), "Meer stuks in filialen dan totaal aanwezig van deze maat");
-  t.type(toets::Esc);
-  EXPECT_TRUE(t.row(3).starts_with("nieuw VRD "));
+  EXPECT_TRUE(t.type(toets::Esc).row(3).starts_with("nieuw VRD "));
   t.type(toets::Esc);
   EXPECT_ROWS(t, 3, R"(
 0: -3 0 0
@@ -361,23 +331,18 @@ TEST(Wijzigen, AnUntouchedDivisionIsLeftAtOnce) {
   Terminal t = toon(k, ADV_MUTATIES, [] { zet(advies.m_voorlopig, 0, {-1, 0, 0}); });
   t.type("w", "2");
   EXPECT_EQ(t.row(9), "TOT   1   0   0   1");  // an accepted advice may leave pieces over
-  t.type(toets::Esc);
-  EXPECT_TRUE(t.row(24).starts_with("Uw keuze"));
+  EXPECT_TRUE(t.type(toets::Esc).row(24).starts_with("Uw keuze"));
 }
 
 TEST(Wijzigen, MovesOneBranchOrAllToAnother) {
   Keten k(4);
   Terminal t = toon(k, ADV_MUTATIES, niets);
-  t.type("w", "3");
-  EXPECT_EQ(t.row(24), "Alles van filiaal _   <ENTER> voor alle,   naar filiaal");
-  t.type("1\r", "3\r");
-  EXPECT_EQ(t.row(6), "1     0<  0   0<  0");
+  EXPECT_EQ(t.type("w", "3").row(24), "Alles van filiaal _   <ENTER> voor alle,   naar filiaal");
+  EXPECT_EQ(t.type("1\r", "3\r").row(6), "1     0<  0   0<  0");
   EXPECT_EQ(t.row(8), "3     3>  1   2>  6");
-  t.type("w", "3", "\r", "2\r");
-  EXPECT_EQ(t.row(7), "2     8>  7>  2> 17");
+  EXPECT_EQ(t.type("w", "3", "\r", "2\r").row(7), "2     8>  7>  2> 17");
   EXPECT_EQ(t.row(9), "TOT   8   7   2  17");
-  t.type(toets::Esc);
-  EXPECT_EQ(t.row(3), "0: -5 -5 0");
+  EXPECT_EQ(t.type(toets::Esc).row(3), "0: -5 -5 0");
   EXPECT_EQ(t.row(5), "2: 8 6 2");
 }
 
@@ -423,8 +388,7 @@ TEST(Breed, TwoBlocksOfBranchesThatScrollTogether) {
   EXPECT_EQ(t.text(21, 1, 23), "TOT    8    7 1236 1251");
   EXPECT_EQ(t.text(21, 67, 3), "VRK");
   EXPECT_TRUE(t.row(24).ends_with(" M + - Z")) << t.row(24);  // downward only
-  t.type("m");
-  EXPECT_EQ(t.text(20, 67, 23), "39     0    0 1234 1234");
+  EXPECT_EQ(t.type("m").text(20, 67, 23), "39     0    0 1234 1234");
   EXPECT_TRUE(t.row(24).ends_with(" I + - Z"));
   t.type("i", "w", "1", "18\r", "38\r", "2\r");
   EXPECT_EQ(t.text(7, 67, 24), "18     2>   0    0    2 ");
@@ -441,11 +405,9 @@ TEST(Breed, AWindowThatStaysNarrowScrolls) {
   });
   EXPECT_TRUE(t.row(24).ends_with(" M N + - Z")) << t.row(24);
   EXPECT_EQ(t.text(4, 1, 16), "fil  38  39  40 ");
-  t.type("n");
-  EXPECT_EQ(t.text(4, 73, 7), " 30 tot");
+  EXPECT_EQ(t.type("n").text(4, 73, 7), " 30 tot");
   EXPECT_TRUE(t.row(24).ends_with(" J M + - Z"));
-  t.type(toets::PgDn, toets::PgDn, toets::PgDn, "j");
-  EXPECT_EQ(t.text(20, 1, 8), "39    7 ");
+  EXPECT_EQ(t.type(toets::PgDn, toets::PgDn, toets::PgDn, "j").text(20, 1, 8), "39    7 ");
   EXPECT_TRUE(t.row(24).ends_with(" I N + - Z"));
   EXPECT_EQ(t.text(21, 1, 8), "TOT  15 ");
 }
@@ -454,8 +416,7 @@ TEST(Breed, ASeriesWithoutSizesHasNoColumns) {
   Keten k(4);
   Terminal t = toon(k, ADV_MUTATIES, [] { advies.maten.clear(); });
   EXPECT_EQ(t.row(4), "fil tot");
-  t.type(toets::Right, toets::Down);
-  EXPECT_EQ(t.row(24), "Uw keuze  X 2 3 K E S + - Z");
+  EXPECT_EQ(t.type(toets::Right, toets::Down).row(24), "Uw keuze  X 2 3 K E S + - Z");
 }
 
 TEST(Uitleg, TellsWhyInAWindowThatScrolls) {
@@ -466,8 +427,7 @@ TEST(Uitleg, TellsWhyInAWindowThatScrolls) {
     for (int b = 2; b < 240; b += 2) zet(advies.m_aanvul, b, {1, 0, 0});
     advies.groep.streef.fill(2);
   });
-  t.type("x", toets::Esc, "p", toets::Down, toets::Down);
-  EXPECT_TRUE(t.reverse(7, 5));
+  EXPECT_TRUE(t.type("x", toets::Esc, "p", toets::Down, toets::Down).reverse(7, 5));
   t.type("?");
   EXPECT_TRUE(t.shows("Uitleg filiaal 2 maat  38")) << t.screen();
   EXPECT_TRUE(t.shows("> krijgt   < geeft"));

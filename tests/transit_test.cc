@@ -449,22 +449,16 @@ TEST_F(TransitScherm, MarkedSendsAreCancelled) {
 )");
   EXPECT_SHOWS(t, "┌ Gemarkeerde ┐", "│ Annuleren   │");
   EXPECT_FALSE(t.shows("Corrigeren"));
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Gemarkeerde mutaties worden geannuleerd, akkoord? (J/N)");
-  t.type(in("N"));
-  EXPECT_SHOWS(t, "Etiketnummer", "10100.20.2");
+  EXPECT_SHOWS(t.type(Enter), "Gemarkeerde mutaties worden geannuleerd, akkoord? (J/N)");
+  EXPECT_SHOWS(t.type(in("N")), "Etiketnummer", "10100.20.2");
   t.type(F3, Enter, in("J"));  // the marks stand
   EXPECT_SHOWS(t, " -> FILIAAL 3", "10100.10.1        S          1*", "Totaal        2");
   EXPECT_FALSE(t.shows("11*"));
-  t.type(Esc);
-  EXPECT_SHOWS(t, "10100.20.2");
+  EXPECT_SHOWS(t.type(Esc), "10100.20.2");
   EXPECT_FALSE(t.shows("10100.10.1"));
-  t.type(in("11"), F3);
-  EXPECT_SHOWS(t, "┌ Geselecteerde ┐");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Geselecteerde mutatie wordt geannuleerd, akkoord? (J/N)");
-  t.type(in("J"), Esc);
-  EXPECT_EQ(t.row(20), "KLAAR");
+  EXPECT_SHOWS(t.type(in("11"), F3), "┌ Geselecteerde ┐");
+  EXPECT_SHOWS(t.type(Enter), "Geselecteerde mutatie wordt geannuleerd, akkoord? (J/N)");
+  EXPECT_EQ(t.type(in("J"), Esc).row(20), "KLAAR");
   keten.open();
   EXPECT_EQ(label(een) + label(twee) + label(drie), "2 in 12 in 12 in 1");
   EXPECT_EQ(boeken(), "");
@@ -481,10 +475,8 @@ Kleurnummer         :  10
 Volgnummer          :  1
 Maat                :  M
 )");
-  t.type(in("J"));
-  EXPECT_SHOWS(t, "Geen informatie");
-  t.type(Enter);
-  EXPECT_EQ(t.row(20), "KLAAR");
+  EXPECT_SHOWS(t.type(in("J")), "Geen informatie");
+  EXPECT_EQ(t.type(Enter).row(20), "KLAAR");
 }
 
 TEST_F(TransitScherm, ASelectionIsFinished) {
@@ -501,18 +493,14 @@ TEST_F(TransitScherm, ASelectionIsFinished) {
   t.type(in(std::to_string(verkocht)), F3, "C");
   EXPECT_SHOWS(t, "Geselecteerd artikel kan niet worden gecorrigeerd",
                "Afwerken via Annuleren of Ontvangen");
-  t.type(Enter);
-  EXPECT_SHOWS(t, "Etiketnummer");
+  EXPECT_SHOWS(t.type(Enter), "Etiketnummer");
   t.type(in(std::to_string(verkocht)), F3, "O");
   EXPECT_SHOWS(t, "Geselecteerd artikel ontvangen? (J/N)");
   t.type(in("J"));
   EXPECT_FALSE(t.shows("VRK"));
-  t.type(F7, F7, F3, "C");
-  EXPECT_SHOWS(t, "Gemarkeerde artikelen corrigeren", "Correctiecode");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "Etiketnummer");
-  t.type(F3, "C", in("5"));
-  EXPECT_EQ(t.row(20), "KLAAR");
+  EXPECT_SHOWS(t.type(F7, F7, F3, "C"), "Gemarkeerde artikelen corrigeren", "Correctiecode");
+  EXPECT_SHOWS(t.type(Esc), "Etiketnummer");
+  EXPECT_EQ(t.type(F3, "C", in("5")).row(20), "KLAAR");
   keten.open();
   EXPECT_EQ(label(weg), "4 in 1 reden 5 dag 0");
   EXPECT_EQ(label(jas), "4 in 2 reden 5 dag 0");
@@ -527,10 +515,8 @@ TEST_F(TransitScherm, ADocumentIsFinished) {
   zet_go(nummer, [](DtGo& r) { r.printdatum = DAG + 1; });
   Terminal t = commando(mut_afwerken);
   t.type("2", Enter, in("4711"), Enter, Enter);
-  t.type(Esc);
-  EXPECT_SHOWS(t, "10100.10.1     1               S  1  3     4711 10-12-25");
-  t.type(Enter, "A", in("J"));
-  EXPECT_EQ(t.row(20), "KLAAR");
+  EXPECT_SHOWS(t.type(Esc), "10100.10.1     1               S  1  3     4711 10-12-25");
+  EXPECT_EQ(t.type(Enter, "A", in("J")).row(20), "KLAAR");
   keten.open();
   EXPECT_EQ(label(nummer), "2 in 1");
 }
@@ -542,10 +528,8 @@ TEST_F(TransitScherm, WhatWasDoneOnAnOrder) {
   gezonden(ROK, 1, 1, 3, -1, 20000011);
   zet_go(gezonden(ROK, 2, 1, 3, -1, 20000011), [](DtGo& r) { r.afgewerkt = 1; });
   Terminal t = commando(mut_uitgevoerd);
-  t.type(in("20000011"));
-  EXPECT_SHOWS(t, "Opdrachtnummer", "Volgorde", "3 merk - model");
-  t.type("3");
-  EXPECT_SHOWS(t, " opdracht 20000011 ");
+  EXPECT_SHOWS(t.type(in("20000011")), "Opdrachtnummer", "Volgorde", "3 merk - model");
+  EXPECT_SHOWS(t.type("3"), " opdracht 20000011 ");
   EXPECT_ROWS(t, 4, R"(
 Opdrachtnummer 20000011
 
@@ -558,10 +542,8 @@ Volgorde 3 merk - model
                    │ 10100.10.1       1   3               2 10-12-25 afgewerkt │
                    │ 10100.20.2       1   3      4                             │
 )");
-  t.type(Esc);
-  EXPECT_SHOWS(t, "Opdrachtnummer");
-  t.type(Esc);
-  EXPECT_EQ(t.row(20), "KLAAR");
+  EXPECT_SHOWS(t.type(Esc), "Opdrachtnummer");
+  EXPECT_EQ(t.type(Esc).row(20), "KLAAR");
 }
 
 }  // namespace

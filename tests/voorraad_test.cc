@@ -56,8 +56,7 @@ TEST(VoorraadMenu, TheWholePicture) {
   const DemoKeten keten;
   Terminal l = keten.launcher("DEMO");
   EXPECT_SHOWS(l, " 1 Voorraadbeheer", " 2 Voorraad en opdrachten");
-  l.type("2");
-  EXPECT_SHOWS(l, "Adviezen en opdrachten * Voorraadbeheer");
+  EXPECT_SHOWS(l.type("2"), "Adviezen en opdrachten * Voorraadbeheer");
   EXPECT_ROWS(l, 3, R"(
  SALDO VOORLOPIGE OPDRACHTEN             VERZENDMUTATIES
  11 Selectie en afdrukken                41 Ingave per nummer
@@ -82,8 +81,7 @@ TEST(VoorraadMenu, TheWholePicture) {
  38 Uitgevoerde mutaties
 Uw keuze 11
 )");
-  l.type(toets::Esc);
-  EXPECT_SHOWS(l, "Hoofdmenu");
+  EXPECT_SHOWS(l.type(toets::Esc), "Hoofdmenu");
   for (const char* weg : {"TP01P.TXT", "TP01P.INX", "TP01G.TXT", "TP01G.INX", "DTSER.A01"})
     EXPECT_FALSE(std::filesystem::exists(keten / weg)) << weg;
 }
@@ -95,10 +93,8 @@ TEST(VoorraadMenu, RightsAndWhatThereIs) {
   t.type(toets::Up);  // to the last entry
   for (const int n : {11, 21}) EXPECT_TRUE(kan(t, n)) << n;
   for (const int n : {61, 62, 63}) EXPECT_FALSE(kan(t, n)) << n;
-  t.type("61");
-  EXPECT_SHOWS(t, "Keuze niet beschikbaar");
-  t.type(toets::Esc, toets::Esc);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_SHOWS(t.type("61"), "Keuze niet beschikbaar");
+  EXPECT_EQ(t.type(toets::Esc, toets::Esc).exit_status(), 0);
 
   keten.leeg("DTPICK");
   keten.datacom();
@@ -119,8 +115,7 @@ TEST(VoorraadMenu, OfferedInANewChainAndToANewUser) {
   for (const char* gebruiker : {"BEHEER", "JAN"}) {
     Terminal t = keten.launcher(gebruiker, map);
     EXPECT_SHOWS(t, " 1 Voorraadbeheer", " 2 Voorraad en opdrachten");
-    t.type("2");
-    EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
+    EXPECT_SHOWS(t.type("2"), "VERZAMELOPDRACHTEN");
   }
 }
 
@@ -309,14 +304,12 @@ TEST_F(Weg, FromSeriesToBranch) {
   EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
 
   // The first series of which something was sold: its advice is accepted.
-  t.type("23", toets::Esc, "14");
-  EXPECT_SHOWS(t, "Handmatig aanmaken  Aanvuladvies");
+  EXPECT_SHOWS(t.type("23", toets::Esc, "14"), "Handmatig aanmaken  Aanvuladvies");
   const Serienr nr = serie_op_scherm(t);
   std::array<int, FILIALEN> advies{};
   for (int f = 0; f < FILIALEN; ++f) advies[static_cast<size_t>(f)] = totaal_op_scherm(t, f);
   EXPECT_LT(advies[0], 0);  // out of the warehouse
-  t.type("=", toets::Esc, toets::Esc);
-  EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
+  EXPECT_SHOWS(t.type("=", toets::Esc, toets::Esc), "VERZAMELOPDRACHTEN");
   std::array<int, FILIALEN> netto{};
   for (const DtPick& r : regels(nr)) {
     if (r.opdrachtnr != 0) continue;
@@ -366,8 +359,7 @@ TEST_F(Weg, FromSeriesToBranch) {
   EXPECT_GT(keten.records<DtGo>("DTGO.TXT").size(), onderweg);
   t.type(toets::Esc);
   EXPECT_TRUE(t.reverse(4, 2));  // the launcher stands on the program that it comes from
-  t.type(toets::Esc);
-  EXPECT_EQ(t.exit_status(), 0);
+  EXPECT_EQ(t.type(toets::Esc).exit_status(), 0);
   InMap in(keten.map.pad);
   for (const std::string& fout : keten_keur())
     EXPECT_NE(fout.find("vrije records"), std::string::npos) << fout;  // of deleted lines
