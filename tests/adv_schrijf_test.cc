@@ -37,6 +37,9 @@ struct AdvSchrijf : ::testing::Test {
   static void wens(int filiaal, int maat, int32_t n) {
     advies.m_voorlopig[static_cast<size_t>(filiaal)][static_cast<size_t>(maat)] += n;
   }
+  static void wensen(std::initializer_list<std::tuple<int, int, int32_t>> lijst) {
+    for (const auto& [filiaal, maat, n] : lijst) wens(filiaal, maat, n);
+  }
   static void oud(int van, int naar, int maat, int32_t n) {
     TpckRec rec{static_cast<uint8_t>(van), static_cast<uint8_t>(naar), static_cast<uint8_t>(maat),
                 0, n};
@@ -67,40 +70,26 @@ struct AdvSchrijf : ::testing::Test {
 };
 
 TEST_F(AdvSchrijf, FillsPairsInOrderOfBranch) {
-  wens(5, 1, -3);
-  wens(2, 1, -2);
-  wens(2, 7, -1);
-  wens(0, 1, 1);
-  wens(3, 7, 1);
-  wens(9, 1, 4);
+  wensen({{5, 1, -3}, {2, 1, -2}, {2, 7, -1}, {0, 1, 1}, {3, 7, 1}, {9, 1, 4}});
   opdracht_schrijven();
   EXPECT_EQ(regels(), " 2>0/1=1, 2>3/7=1, 2>9/1=1, 5>9/1=3");
   EXPECT_EQ(advies.m_voorlopig[5][1], -3) << "works on a copy";
 }
 
 TEST_F(AdvSchrijf, ALineThatNoLongerFitsShrinksAndTheRestGoesElsewhere) {
-  wens(1, 1, -5);
-  wens(4, 1, 2);
-  wens(3, 1, 2);
-  wens(8, 1, 1);
+  wensen({{1, 1, -5}, {4, 1, 2}, {3, 1, 2}, {8, 1, 1}});
   oud(1, 4, 1, 4);  // wants only two now
   oud(1, 6, 1, 3);  // wants nothing any more
   oud(1, 8, 2, 1);  // of a size that nobody gives
   oud(2, 3, 1, 2);  // from a branch that gives nothing
   opdracht_schrijven();
   EXPECT_EQ(regels(), " 1>3/1=2, 1>4/1=2, 1>8/1=1");
-  EXPECT_FALSE([] {
-    TpckRec rec{};
-    return IXFIRSTR(tpck, &rec);
-  }()) << "empty for the next series";
+  EXPECT_TRUE(proef_inhoud<TpckRec>(tpck).empty()) << "for the next series";
 }
 
 TEST_F(AdvSchrijf, WhatHasNoOtherSideWritesNothing) {
-  wens(1, 1, -5);
-  wens(2, 2, 4);
-  wens(3, 1, 2);
-  wens(6, 40, -1);  // not a size of the series
-  wens(7, 40, 1);
+  wensen({{1, 1, -5}, {2, 2, 4}, {3, 1, 2}});
+  wensen({{6, 40, -1}, {7, 40, 1}});  // not a size of the series
   oud(3, 3, 1, 9);
   oud(1, 255, 1, 9);
   oud(250, 3, 1, 9);
@@ -110,9 +99,7 @@ TEST_F(AdvSchrijf, WhatHasNoOtherSideWritesNothing) {
 }
 
 TEST_F(AdvSchrijf, EnormousQuantitiesTakeOneStep) {
-  wens(1, 1, INT32_MIN);
-  wens(2, 1, INT32_MAX);
-  wens(3, 1, 1);
+  wensen({{1, 1, INT32_MIN}, {2, 1, INT32_MAX}, {3, 1, 1}});
   opdracht_schrijven();
   EXPECT_EQ(regels(), " 1>2/1=2147483647, 1>3/1=1");
 }
