@@ -19,10 +19,10 @@ sqlite3* db = nullptr;
 sqlite3_stmt *s_lees, *s_loop, *s_tweede, *s_voeg, *s_wijzig;
 
 void instellen() {
+  sqlite3_busy_timeout(db, 60000);  // first: four processes open it at once
   sq_doe(db, met_wal ? "PRAGMA journal_mode=WAL" : "PRAGMA journal_mode=TRUNCATE");
   sq_doe(db, "PRAGMA synchronous=OFF");
   sq_doe(db, "PRAGMA cache_size=-131072");
-  sqlite3_busy_timeout(db, 60000);
 }
 
 void open_soort(bool nieuw) {
