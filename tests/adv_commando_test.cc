@@ -110,12 +110,9 @@ TEST_F(Automatisch, TheDialogChangesTheCriteriaOnlyWhenItIsConfirmed) {
 TEST_F(Automatisch, ASeriesThatCannotBeReadWholeIsTold) {
   stukken();
   met_keten([] {
-    DtSer rok{};
-    rok.nr = ROK;
-    IXREAD(dtser, &rok);
-    ASSERT_TRUE(serie_wacht(JAS));
-    ser_rec.blok1 = rok.blok1;
-    serie_schrijf();
+    DtSer jas = proef_serie(JAS);
+    jas.blok1 = proef_serie(ROK).blok1;
+    IXWRITE(dtser, &jas);
   });
   Terminal t = start();
   t.type(Enter);
@@ -210,15 +207,7 @@ TEST_F(Handmatig, GoesOnInTheOrderOfTheWayThatWasChosen) {
 
 TEST_F(Handmatig, ThroughTheSelectionInItsOwnOrder) {
   Terminal t = draai([] {
-    ICB* v = sort_maak(privaat.v, "MAKV");
-    for (const Serienr& nr : {ROK, MAT}) {
-      DtSer rec{};
-      rec.nr = nr;
-      IXREAD(dtser, &rec);
-      v->record_no = dtser->record_no;
-      IXADDKEYS(v, &rec);
-    }
-    IXCLOSE(v);
+    proef_selectie(privaat.v, "MAKV", {ROK, MAT});
     serie_gevuld = true;
     opdracht_handmatig();
   });

@@ -81,9 +81,7 @@ TEST_F(Druk, ManySizesTakeSeveralLines) {
     mtvoegtoe(h, &m);
   }
   mtclose(h);
-  DtSer s{};
-  s.nr = JAS;
-  IXREAD(dtser, &s);
+  DtSer s = proef_serie(JAS);
   s.maatsoort = 2;
   memset(s.maten, 0xFF, sizeof s.maten);
   IXWRITE(dtser, &s);

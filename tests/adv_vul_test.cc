@@ -59,19 +59,15 @@ struct AdvVul : ::testing::Test {
     Keten::voeg(dtmaat, maat);
     for (const Serienr& nr : {BLOUSE, BROEK, JAS}) {
       Keten::serie(nr);
-      DtArt art{};
-      art.nummer = nr.artgroep;
-      art.magazijn = 0;
-      art.vlaggen = 1;
-      art.soort = 'A';
-      art.minimum = 1;
-      std::fill_n(art.streef, 250, uint8_t{2});
-      str_printf(art.naam, sizeof art.naam, "Groep %lu", nr.artgroep);
-      Keten::voeg(dtart, art);
+      proef_artikel(nr.artgroep, "Groep", [](DtArt& art) {
+        art.magazijn = 0;
+        art.vlaggen = 1;
+        art.soort = 'A';
+        art.minimum = 1;
+        std::fill_n(art.streef, 250, uint8_t{2});
+      });
     }
-    DtMerk merk{};
-    merk.nummer = 1;
-    Keten::voeg(dtmerk, merk);
+    proef_merk(1);
     adv_rec = adv_standaard();
     adv_open();
   }
@@ -80,13 +76,8 @@ struct AdvVul : ::testing::Test {
     werktabellen_sluit();
   }
 
-  static void lees(const Serienr& nr) {
-    ser_rec = {};
-    ser_rec.nr = nr;
-    ASSERT_TRUE(IXREAD(dtser, &ser_rec));
-  }
   static bool vul(const Serienr& nr) {
-    lees(nr);
+    ser_rec = proef_serie(nr);
     return adv_vul();
   }
   static uint32_t etiket(const Etiket& e) { return static_cast<uint32_t>(proef_stuk(e)); }
@@ -231,7 +222,7 @@ TEST_F(AdvVul, TheChainIsReadOnceWhateverRefersToIt) {
   }
   Keten::voeg(dtaanv, DtAanv{BLOUSE, 9999});
   Keten::voeg(dtaanv, DtAanv{BLOUSE, etiket(BROEK, ETI_VERKOPEN, 1, 2)});  // changed hands
-  lees(BLOUSE);
+  ser_rec = proef_serie(BLOUSE);
   eti_gelezen = 0;
   io_proef.na_lees = [](int fd, void*, size_t, int64_t) { eti_gelezen += fd == eti.fd ? 1 : 0; };
   const bool geheel = adv_vul();
@@ -252,7 +243,7 @@ TEST_F(AdvVul, MastersComeWithTheSeries) {
   art.magazijn_pct = 40;
   art.streef[249] = 9;
   Keten::voeg(dtart, art);
-  lees(BROEK);
+  ser_rec = proef_serie(BROEK);
   memset(ser_rec.maten, 0, sizeof ser_rec.maten);
   ser_rec.maten[0] = 0b00001110;  // 1, 2 and 3
   memcpy(ser_rec.model, "MODEL VAN 15 TE", 15);

@@ -35,15 +35,8 @@ struct Voorlopig : Bewaren {
   void SetUp() override {
     Bewaren::SetUp();
     met_keten([] {
-      DtMerk merk{};
-      merk.nummer = 6;
-      ProefKeten::voeg(dtmerk, merk);
-      DtSer rec{};
-      rec.nr = WEG;
-      rec.merk = 6;
-      rec.maatsoort = 1;
-      rec.blok1 = -1;
-      ProefKeten::voeg(dtser, rec);
+      proef_merk(6);
+      ProefKeten::serie(WEG, 1, 6);
       for (const Serienr& nr : {ROK, JAS, WEG})
         for (const auto& [van, naar] : {std::pair{0, 1}, {0, 2}, {0, 3}, {2, 1}, {2, 3}})
           regel(van, naar, nr, 1);

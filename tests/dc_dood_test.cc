@@ -59,10 +59,7 @@ struct DcDood : DcProef {
       voeg_toe<DtGo>(uit, dtgo);
       voeg_toe<DtFin>(uit, dtfin);
       voeg_toe<DtIo>(uit, dtio);
-      DtSer rec{};
-      rec.nr = ROK;
-      EXPECT_TRUE(IXREAD(dtser, &rec));
-      uit += str_format(" %d", rec.datum_mutatie);
+      uit += str_format(" %d", proef_serie(ROK).datum_mutatie);
       std::map<std::string, int> stuks;
       elk(JAS, [&](int32_t, const Etiket& e) { ++stuks[staat(e)]; });
       for (const auto& [waar, n] : stuks) uit += str_format(" %s: %d", waar, n);

@@ -12,10 +12,7 @@ struct DcLijst : DcProef {
     met([&] {
       serie(WEG, "WEG", "verdwenen");
       gone = leg(WEG, ETI_VOORRAAD, 1);
-      DtSer rec{};
-      rec.nr = WEG;
-      ASSERT_TRUE(IXREADL(dtser, &rec));
-      IXDELETE(dtser, &rec);
+      proef_weg(dtser, proef_serie(WEG));
       proef_ean("8712345678906", 'M', ROK, 2);
       proef_ean("8700000000013", 'A', ROK, 2);
       proef_ean("8711111111119", 'M', JAS, 1);

@@ -8,8 +8,7 @@ namespace {
 struct DcLoop : DcProef {
   DtSer serie_nu(const Serienr& nr) {
     DtSer rec{};
-    rec.nr = nr;
-    met([&] { EXPECT_TRUE(IXREAD(dtser, &rec)); });
+    met([&] { rec = proef_serie(nr); });
     return rec;
   }
   int32_t nieuw(uint8_t filiaal, uint8_t status = ETI_VOORRAAD) {

@@ -115,9 +115,7 @@ struct DcLang : DcToeval {
   static void zet_tellers(const Serienr& nr) {
     uint32_t n[5] = {};
     tel(nr, n);
-    DtSer rec{};
-    rec.nr = nr;
-    ASSERT_TRUE(IXREAD(dtser, &rec));
+    DtSer rec = proef_serie(nr);
     rec.besteld = n[ETI_NOTA];
     rec.voorraad = n[ETI_VOORRAAD];
     rec.verkocht = n[ETI_VERKOPEN];
@@ -142,9 +140,7 @@ struct DcLang : DcToeval {
       for (const Serienr& nr : {ROK, JAS}) {
         uint32_t n[5] = {};
         tel(nr, n);
-        DtSer rec{};
-        rec.nr = nr;
-        ASSERT_TRUE(IXREAD(dtser, &rec));
+        const DtSer rec = proef_serie(nr);
         EXPECT_EQ(uint32_t{rec.voorraad}, n[ETI_VOORRAAD]);
         EXPECT_EQ(uint32_t{rec.correcties}, n[ETI_CORRECTIES]);
         elk(nr, [&](int32_t nummer, const Etiket& e) {

@@ -6,7 +6,7 @@
 #include "sub/ioeti.h"
 #include "sub/ioeti_intern.h"
 #include "tests/support/agent.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
@@ -110,10 +110,7 @@ TEST_F(Winkel, StepsFollowTheChainOverHolesAndStatuses) {
 }
 
 TEST_F(Winkel, LabelsCarryTheirSeriesAndTheirRate) {
-  DtArt artikel{};
-  artikel.nummer = A.artgroep;
-  artikel.tariefcode = 2;
-  Keten::voeg(dtart, artikel);
+  proef_artikel(A.artgroep, "", [](DtArt& art) { art.tariefcode = 2; });
   DtSer a = Keten::serie(A);
   DtSer los = Keten::serie({55555, 1, 1});
   Etiket e = proef_etiket(A, ETI_VERKOPEN, 17, 3);
@@ -272,9 +269,7 @@ TEST(Gelijktijdig, TwoTerminalsNeverTakeTheSameBlock) {
   keten.open();
   long gezien = 0;
   for (const uint16_t kleur : {uint16_t{1}, uint16_t{2}}) {
-    DtSer serie{};
-    serie.nr = {20000, kleur, 1};
-    ASSERT_TRUE(IXREAD(dtser, &serie));
+    const DtSer serie = proef_serie({20000, kleur, 1});
     eti_eigenaar(&serie.nr);
     const std::string alle = Winkel::nummers(serie, ETI_VOORRAAD);
     gezien += std::count(alle.begin(), alle.end(), ' ');

@@ -192,20 +192,6 @@ TEST_F(Maten, TranslationsFollowTheirSize) {
   EXPECT_EQ(IXCHECK("DTMTOM"), 1);
 }
 
-TEST_F(Maten, AKeptHandleServesOneTypeAtATime) {
-  MaatHandle* slot = nullptr;
-  uint8_t bits[12] = {};
-  bit_zet(bits, 3);
-  MaatHandle* const eerste = mtkeep(&slot, 1, 2, bits);
-  EXPECT_EQ(mtkeep(&slot, 1, 2, bits), eerste);
-  MaatRec rec{};
-  EXPECT_TRUE(mtread(slot, 'F', &rec, 4));
-  EXPECT_EQ(rec.maat, 3);
-  mtkeep(&slot, 1, 9, bits);
-  EXPECT_FALSE(mtread(slot, 'F', &rec, 4));
-  mtclose(slot);
-}
-
 TEST(Matrix, WidthFollowsTheLargestQuantity) {
   Maatrij rij{};
   sys_rec20 = {};

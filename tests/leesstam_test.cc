@@ -40,12 +40,9 @@ TEST_F(Stam, AFailedReadIsNotRememberedAsFound) {
   DtMerk merk{};
   EXPECT_FALSE(lees_merk(dtmerk, &merk, 7));
   EXPECT_FALSE(lees_merk(dtmerk, &merk, 7));
-  DtMerk nieuw{};
-  nieuw.nummer = 7;
-  std::strcpy(nieuw.naam, "Duinroos");
-  Keten::voeg(dtmerk, nieuw);
+  proef_merk(7, "Duinroos");
   EXPECT_TRUE(lees_merk(dtmerk, &merk, 7));
-  EXPECT_STREQ(merk.naam, "Duinroos");
+  EXPECT_EQ(veld_tekst(merk.naam, sizeof merk.naam), "Duinroos");
   merk.naam[0] = 'X';
   EXPECT_TRUE(lees_merk(dtmerk, &merk, 7));  // the buffer holds it: not read again
   EXPECT_EQ(merk.naam[0], 'X');

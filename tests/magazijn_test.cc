@@ -22,21 +22,13 @@ struct Magazijn : ::testing::Test {
     artikel(10100, "Blouses", 2);
     artikel(10200, "Broeken", 0);
     artikel(10300, "Tassen", 255);
-    DtMerk merk{};
-    merk.nummer = 5;
-    veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
-    veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
-    Keten::voeg(dtmerk, merk);
+    proef_merk(5, "Duinroos", "DUIN");
     str_printf(prt_links, sizeof prt_links, "%s", "De Ketting BV");
   }
   void TearDown() override { prt_links[0] = 0; }
 
   static void artikel(uint32_t nummer, const char* naam, uint8_t magazijn) {
-    DtArt art{};
-    art.nummer = nummer;
-    veld_zet(art.naam, sizeof art.naam, naam);
-    art.magazijn = magazijn;
-    Keten::voeg(dtart, art);
+    proef_artikel(nummer, naam, [magazijn](DtArt& art) { art.magazijn = magazijn; });
   }
   static void serie(const Serienr& nr, const char* locatie) {
     DtSer rec = Keten::serie(nr, 1, 5);
@@ -163,10 +155,7 @@ TEST_F(Magazijn, TheLocationOfASeries) {
   EXPECT_SHOWS(t.type(Enter), "Ingave serienummer");
   EXPECT_EQ(t.type(Esc).exit_status(), 0);
   keten.open();
-  DtSer rec{};
-  rec.nr = {10100, 10, 1};
-  ASSERT_TRUE(IXREAD(dtser, &rec));
-  EXPECT_EQ(rec.voorraad, 42u);
+  EXPECT_EQ(proef_serie({10100, 10, 1}).voorraad, 42u);
 }
 
 TEST_F(Magazijn, TheCommandAsksForABranch) {

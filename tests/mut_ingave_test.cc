@@ -396,25 +396,6 @@ TEST_F(MutIngave, ACountOfPiecesOfOneSize) {
   });
 }
 
-TEST_F(MutIngave, APieceThatAnInventoryMissedIsStockAgain) {
-  int32_t n = 0;
-  met_keten([&] {
-    n = weg(JAS, ETI_CORRECTIES, 1, 0, 0);
-    transit(n, JAS, 1, 3);
-    ASSERT_TRUE(serie_wacht(JAS));
-    ser_rec.correcties = 1;
-    serie_schrijf();
-  });
-  Terminal t = scan(ing_ontvangst, "3", "1");
-  EXPECT_EQ(t.type(in(maatcode) + in("J")).row(6), maatcode + "     1");
-  met_keten([&] {
-    EXPECT_EQ(staat(proef_lees(n)), "3");
-    ASSERT_TRUE(serie_wacht(JAS));
-    EXPECT_TRUE(ser_rec.voorraad == 1 && ser_rec.correcties == 0);
-    serie_los();
-  });
-}
-
 TEST_F(MutIngave, WhatWentAwayMeanwhileIsTold) {
   int32_t n[3];
   met_keten([&] {

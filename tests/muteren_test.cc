@@ -176,33 +176,6 @@ TEST_F(Muteren, AReceiptNobodySent) {
   EXPECT_EQ(bytes_van("KASMUT.TXT"), str_format("002255F%08ld\n004255F%08ld\n", nummer, nummer));
 }
 
-/// A move that a dead process left half done is made again: the lines stand once. A piece that came
-/// back and leaves again is another matter.
-TEST_F(Muteren, AMoveMadeAgainIsBookedOnce) {
-  open(0);
-  const int32_t nummer = etiket(ETI_VOORRAAD, 1);
-  ASSERT_TRUE(serie_wacht(BLOUSE));
-  const Zending heen{1, 4, 0, 45010, 0}, terug{4, 1, 0, 45010, 0};
-  for (int keer = 0; keer < 2; ++keer) {
-    Etiket e = proef_lees(nummer);
-    if (keer == 1) e.filiaal = 1, e.onderweg = e.doel = 0;  // as if it had never been written
-    zend_etiket(nummer, &e, heen, false);
-    EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 1u);
-  }
-  Etiket e = proef_lees(nummer);
-  e.filiaal = 4;
-  e.onderweg = e.doel = 0;
-  for (int keer = 0; keer < 2; ++keer) {
-    Etiket opnieuw = e;
-    ontvang_etiket(nummer, &opnieuw, terug);
-    EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 2u);
-  }
-  e = proef_lees(nummer);
-  zend_etiket(nummer, &e, heen, false);
-  EXPECT_EQ(proef_inhoud<DtFin>(dtfin, 1).size(), 3u);
-  serie_schrijf();
-}
-
 TEST_F(Muteren, ACorrectedLabelComesBackInTheCounters) {
   open();
   const int32_t nummer = etiket(ETI_CORRECTIES, 1);

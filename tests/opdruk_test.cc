@@ -221,9 +221,7 @@ TEST_F(Opdruk, SeriesStandInThePrintOrder) {
   };
   EXPECT_EQ(volgorde("AKV"), "101 102 103 ");
   EXPECT_EQ(volgorde("LAKV"), "103 101 102 ");
-  DtSer ander{};
-  ander.nr = BLOUSE;
-  ASSERT_TRUE(IXREAD(dtser, &ander));
+  DtSer ander = proef_serie(BLOUSE);
   veld_zet(ander.model, sizeof ander.model, "Zomer");
   Keten::voeg(dtser, ander);
   EXPECT_EQ(volgorde("RMAKV"), "102 103 101 ");
@@ -295,9 +293,7 @@ TEST_F(Opdruk, ManyReceiversGoOverSeveralPagesWithTheirSizes) {
 
 /// Lines of which the series, its size type or the branches are not there.
 TEST_F(Opdruk, WhatCannotBeReadIsLeftBlank) {
-  DtSer zonder{};
-  zonder.nr = BROEK;
-  ASSERT_TRUE(IXREAD(dtser, &zonder));
+  DtSer zonder = proef_serie(BROEK);
   for (const int soort : {9, 0}) {
     zonder.maatsoort = static_cast<uint8_t>(soort);
     Keten::voeg(dtser, zonder);
@@ -324,10 +320,7 @@ VOOR FILIAAL  3  Filiaal 3                        TOT    5
   proef_regel(0, 3, BLOUSE, {{1, 2}});
   verzamel_maak(privaat.tp, saldo_sort, saldo_splits);
   saldo_pass(1);
-  DtSer weg{};
-  weg.nr = BLOUSE;
-  IXREADL(dtser, &weg);
-  IXDELETE(dtser, &weg);
+  proef_weg(dtser, proef_serie(BLOUSE));
   EXPECT_EQ(vanaf(druk(OpdrachtSoort::voorlopig, 64), "10100.10.1"),
             R"(10100.10.1            Blouses korte mouw     A1
       wit                                            3   2    2

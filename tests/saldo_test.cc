@@ -13,7 +13,6 @@
 #include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
-#include "sub/serie.h"
 #include "tests/support/rapport.h"
 #include "tests/support/stukken.h"
 
@@ -35,15 +34,7 @@ struct Saldo : ::testing::Test {
     saldo_splits = true;
     saldo_opdrachtnr = 0;
     // Selected are the first two.
-    ICB* icb = sort_maak(privaat.o, "AKV");
-    for (const Serienr& nr : {BLOUSE, BROEK}) {
-      DtSer rec{};
-      rec.nr = nr;
-      ASSERT_TRUE(IXREAD(dtser, &rec));
-      icb->record_no = dtser->record_no;
-      IXADDKEYS(icb, &rec);
-    }
-    IXCLOSE(icb);
+    proef_selectie(privaat.o, "AKV", {BLOUSE, BROEK});
     dtser_o = IXOPEN(privaat.o, IX_LEES);
     dtser_opzoek = dtser_o;
   }

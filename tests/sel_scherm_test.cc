@@ -8,7 +8,7 @@
 #include "scr/scr.h"
 #include "sub/sel_intern.h"
 #include "sub/sel_merken.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -19,13 +19,9 @@ struct Scherm : testing::Test {
   Keten k;
   void SetUp() override {
     k.open();
-    for (const uint16_t nr : {uint16_t{5}, uint16_t{7}, uint16_t{123}}) {
-      DtMerk m{};
-      m.nummer = nr;
-      veld_zet(m.naam, sizeof m.naam, nr == 7 ? "Zilt" : "Duinroos");
-      veld_zet(m.zoeknaam, sizeof m.zoeknaam, nr == 7 ? "ZILT" : "DUIN");
-      Keten::voeg(dtmerk, m);
-    }
+    proef_merk(5, "Duinroos", "DUIN");
+    proef_merk(7, "Zilt", "ZILT");
+    proef_merk(123, "Duinroos", "DUIN");
     k.sluit();
   }
   /// The screen of a kind; behind it some of the record and the statuses stand on rows 2 and 3.

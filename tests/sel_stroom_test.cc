@@ -10,7 +10,7 @@
 #include "sub/sel_krit.h"
 #include "sub/sel_merken.h"
 #include "sub/sel_tabel.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 
 namespace {
 
@@ -113,11 +113,9 @@ struct Selectie : testing::Test {
   Keten k;
   void SetUp() override {
     k.open();
-    for (const uint16_t nr : {uint16_t{5}, uint16_t{7}, uint16_t{9}}) {
-      DtMerk m{};
-      m.nummer = nr;
-      Keten::voeg(dtmerk, m);
-    }
+    proef_merk(5);
+    proef_merk(7);
+    proef_merk(9);
   }
 };
 
@@ -134,16 +132,14 @@ TEST_F(Selectie, SavedBrandsComeBackIntoTheListWithoutThoseThatWereDeleted) {
 
   DtMerk weg{};
   weg.nummer = 5;
-  ASSERT_TRUE(IXREAD(dtmerk, &weg));
-  IXDELETE(dtmerk, &weg);
+  proef_weg(dtmerk, weg);
   sel_lees(4);
   EXPECT_EQ(merklijst_nummers(), std::vector<uint16_t>{9});
   EXPECT_TRUE(merk_een);
   EXPECT_EQ(sel_status['a'], SEL_LIJST);
 
   weg.nummer = 9;
-  ASSERT_TRUE(IXREAD(dtmerk, &weg));
-  IXDELETE(dtmerk, &weg);
+  proef_weg(dtmerk, weg);
   sel_lees(4);
   EXPECT_TRUE(merklijst_nummers().empty());
   EXPECT_EQ(sel_status['a'], CODE_ALLE);

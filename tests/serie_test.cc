@@ -14,7 +14,7 @@
 #include "sub/sel_krit.h"
 #include "sub/sel_merken.h"
 #include "sub/serie_keuze.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -116,23 +116,15 @@ std::vector<uint16_t> kies_criteria(std::mt19937& rng) {
 
 void maak_artikelen() {
   for (uint32_t g = 10000; g < 16000; g += 500) {
-    DtArt a{};
-    a.nummer = g;
-    a.kenmerk_nr = g / 500 % 2 == 0 ? 2 : 1;
-    Keten::voeg(dtart, a);
+    proef_artikel(g, "", [g](DtArt& a) { a.kenmerk_nr = g / 500 % 2 == 0 ? 2 : 1; });
   }
-  for (uint16_t m = 1; m <= 8; ++m) {
-    DtMerk merk{};
-    merk.nummer = m;
-    Keten::voeg(dtmerk, merk);
-  }
+  for (uint16_t m = 1; m <= 8; ++m) proef_merk(m);
 }
 
 std::vector<Sleutel> inhoud(const char* naam) {
   ICB* icb = IXOPEN(naam, IX_LEES);
   std::vector<Sleutel> uit;
-  DtSer rec{};
-  for (bool er = IXFIRSTR(icb, &rec); er; er = IXNEXT(icb, &rec)) uit.push_back(sleutel(rec));
+  for (const DtSer& rec : proef_inhoud<DtSer>(icb)) uit.push_back(sleutel(rec));
   IXCLOSE(icb);
   return uit;
 }

@@ -13,12 +13,8 @@ struct Vraag : AdvKeten {
   void SetUp() override {
     AdvKeten::SetUp();
     met_keten([] {
-      DtArt art{};
-      art.nummer = 10200;
-      veld_zet(art.naam, sizeof art.naam, "Broeken");
-      ProefKeten::voeg(dtart, art);
-      art.nummer = 10300;
-      ProefKeten::voeg(dtart, art);
+      proef_artikel(10200, "Broeken");
+      proef_artikel(10300, "Broeken");
       serie({10300, 10, 1}, "ELLA", "Jurk");
       serie({10100, 20, 5}, "ANNA", "Rok wijd");
       serie({10100, 20, 1}, "ANNA", "Rok smal");
@@ -85,11 +81,7 @@ TEST_F(Vraag, ByBrandAndModelOverAllArticleGroups) {
 }
 
 TEST_F(Vraag, ABrandWithoutSeriesIsTold) {
-  met_keten([] {
-    DtMerk merk{};
-    merk.nummer = 9;
-    ProefKeten::voeg(dtmerk, merk);
-  });
+  met_keten([] { proef_merk(9); });
   Terminal t = vraag(SerieVraag::merk_model);
   EXPECT_SHOWS(t.type("9", Enter, Enter), "Serie onbekend");
   t.type(F5, F10, F6, F3);  // all brands marked: the field again

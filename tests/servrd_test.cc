@@ -15,7 +15,7 @@
 #include "sub/adv_vul.h"
 #include "sub/bitarr.h"
 #include "sub/ioeti.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -238,10 +238,7 @@ void laad_serie() {
   mtclose(adv_maten);
   adv_maten = nullptr;
   werktabellen_open();
-  DtArt art{};
-  art.nummer = NR.artgroep;
-  art.vlaggen = 1;
-  Keten::voeg(dtart, art);
+  proef_artikel(NR.artgroep, "", [](DtArt& art) { art.vlaggen = 1; });
   for (int i = 0; i < 6; ++i) {
     Etiket e = proef_etiket(NR, i < 5 ? ETI_VOORRAAD : ETI_VERKOPEN, 1, i < 5 ? 0 : 2);
     e.vrkdat = i < 5 ? 0 : static_cast<uint16_t>(date_today() - 20);

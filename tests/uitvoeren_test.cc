@@ -13,7 +13,6 @@
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "sub/sel_krit.h"
-#include "sub/serie.h"
 #include "tests/support/rapport.h"
 #include "tests/support/sterven.h"
 #include "tests/support/stukken.h"
@@ -73,10 +72,8 @@ struct Uitvoeren : ::testing::Test {
   };
   static Telling tel(const Serienr& nr) {
     Telling t;
-    DtSer rec{};
-    rec.nr = nr;
     IXSWITCH(dtser, 1);
-    EXPECT_TRUE(IXREAD(dtser, &rec));
+    const DtSer rec = proef_serie(nr);
     for (EtiReeks r(rec); r.volgende();) {
       const Etiket& e = r.etiket;
       std::string plaats = str_format("%d:%d", e.maat, e.filiaal);
@@ -171,12 +168,8 @@ TEST_F(Uitvoeren, BranchesAndSeriesThatAreNotSelectedStay) {
   proef_regel(0, 3, {10300, 5, 2}, {{5, 1}});  // a series that is gone
   pg_remove(adv_rec.vanuit_filialen, 1);
   pg_remove(adv_rec.aanvul_filialen, 4);
-  ICB* icb = sort_maak(privaat.o, "AKV");
-  DtSer rec{};
-  rec.nr = BLOUSE;
-  ASSERT_TRUE(IXREAD(dtser, &rec));
-  icb->record_no = dtser->record_no;
-  IXADDKEYS(icb, &rec);
+  proef_selectie(privaat.o, "AKV", {BLOUSE});
+  ICB* icb = IXOPEN(privaat.o, IX_LEES);
   dtser_opzoek = icb;
   EXPECT_EQ(uitvoer_pas().size(), 1u);
   dtser_opzoek = dtser;

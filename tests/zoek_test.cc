@@ -8,7 +8,7 @@
 #include "sub/iomaat.h"
 #include "sub/sel_krit.h"
 #include "sub/sel_merken.h"
-#include "tests/support/keten.h"
+#include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
 
 namespace {
@@ -25,31 +25,13 @@ struct Zoek : testing::Test {
   Keten k;
   void SetUp() override {
     k.open();
-    struct Merk {
-      uint16_t nr;
-      const char *naam, *kort;
-    };
-    for (const Merk& m : {Merk{5, "Duinroos", "DUIN"}, Merk{7, "Zilt", "ZILT"},
-                          Merk{123, "Aardappel", "DUIM"}, Merk{40, "Kaap Veertig", "KAAP"}}) {
-      DtMerk rec{};
-      rec.nummer = m.nr;
-      veld_zet(rec.naam, sizeof rec.naam, m.naam);
-      veld_zet(rec.zoeknaam, sizeof rec.zoeknaam, m.kort);
-      Keten::voeg(dtmerk, rec);
-    }
-    struct Art {
-      uint32_t nr;
-      const char* naam;
-      uint16_t omzg;
-    };
-    for (const Art& a :
-         {Art{10100, "Rokken", 30}, Art{20200, "Jassen", 10}, Art{30300, "Blouses", 20}}) {
-      DtArt rec{};
-      rec.nummer = a.nr;
-      veld_zet(rec.naam, sizeof rec.naam, a.naam);
-      rec.omzetgroep = a.omzg;
-      Keten::voeg(dtart, rec);
-    }
+    proef_merk(5, "Duinroos", "DUIN");
+    proef_merk(7, "Zilt", "ZILT");
+    proef_merk(123, "Aardappel", "DUIM");
+    proef_merk(40, "Kaap Veertig", "KAAP");
+    proef_artikel(10100, "Rokken", [](DtArt& art) { art.omzetgroep = 30; });
+    proef_artikel(20200, "Jassen", [](DtArt& art) { art.omzetgroep = 10; });
+    proef_artikel(30300, "Blouses", [](DtArt& art) { art.omzetgroep = 20; });
     sys(SYS_KLEUREN, 10, std::string("\x0A\0wit", 5));
     sys(SYS_KLEUREN, 100, std::string("\x64\0zwart", 7));
     Actie actie{};
@@ -175,25 +157,6 @@ TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
   EXPECT_EQ(t.type(F3, F5).text(4, 46, 6), " mkzn ");
   t.type(Esc, Esc);
   EXPECT_TRUE(t.row(22).starts_with("n3 nr7 anders/n3 nr7 weg/ 7 40 123")) << t.row(22);
-}
-
-TEST_F(ZoekMerk, ABrandThatHasGoneIsNotMarked) {
-  Terminal t = start([] {
-    merklijst_leeg();
-    merklijst_neem(std::vector<uint16_t>{5, 40}, true);
-    DtMerk weg{};
-    weg.nummer = 40;
-    IXREADL(dtmerk, &weg);
-    IXDELETE(dtmerk, &weg);
-    ICB* lijst = merklijst_open(IX_EXCLUSIEF);
-    uint16_t nr = 5;
-    key_allow(K_CANCEL);
-    const int n = ing_merk(3, 10, "", &nr, lijst);
-    IXCLOSE(lijst);
-    return str_format("n%d nr%d", n, nr);
-  });
-  EXPECT_SHOWS(t.type(F5), "→ 1│");
-  EXPECT_EQ(t.type(F3).row(22), "n1 nr5");
 }
 
 TEST_F(ZoekMerk, OnePickAndAnEmptyFile) {

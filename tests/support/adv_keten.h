@@ -25,20 +25,14 @@ struct AdvKeten : testing::Test {
 
   void SetUp() override {
     keten.open();
-    DtArt art{};
-    art.nummer = ROK.artgroep;
-    veld_zet(art.naam, sizeof art.naam, "Rokken");
-    art.magazijn = 0;
-    art.vlaggen = 1;  // the warehouse sells nothing
-    art.soort = 'A';
-    art.minimum = 1;
-    for (int b = 1; b < FILIALEN; ++b) art.streef[b] = 1;
-    ProefKeten::voeg(dtart, art);
-    DtMerk merk{};
-    merk.nummer = 5;
-    veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
-    veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
-    ProefKeten::voeg(dtmerk, merk);
+    proef_artikel(ROK.artgroep, "Rokken", [](DtArt& art) {
+      art.magazijn = 0;
+      art.vlaggen = 1;  // the warehouse sells nothing
+      art.soort = 'A';
+      art.minimum = 1;
+      for (int b = 1; b < FILIALEN; ++b) art.streef[b] = 1;
+    });
+    proef_merk(5, "Duinroos", "DUIN");
     maten();
     serie(ROK, "ANNA", "Rok geplooid");
     serie(JAS, "BEA", "Jas lang");
@@ -84,9 +78,7 @@ struct AdvKeten : testing::Test {
   }
   /// The series counts its pieces by size.
   static void met_maten(const Serienr& nr) {
-    DtSer rec{};
-    rec.nr = nr;
-    ASSERT_TRUE(IXREAD(dtser, &rec));
+    DtSer rec = proef_serie(nr);
     rec.maatregistratie = 1;
     IXWRITE(dtser, &rec);
   }

@@ -142,10 +142,7 @@ struct DcProef : AdvKeten {
   }
   /// All labels of a series.
   static void elk(const Serienr& nr, const std::function<void(int32_t, const Etiket&)>& doe) {
-    DtSer rec{};
-    rec.nr = nr;
-    ASSERT_TRUE(IXREAD(dtser, &rec));
-    int32_t nummer = rec.blok1;
+    int32_t nummer = proef_serie(nr).blok1;
     Etiket e{};
     for (bool er = nummer >= 0 && ioeti('F', &nummer, &e); er; er = ioeti('N', &nummer, &e))
       doe(nummer, e);

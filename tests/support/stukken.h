@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <initializer_list>
 #include <utility>
 #include <vector>
@@ -12,9 +13,50 @@
 #include "main/iotab.h"
 #include "sub/ioeti.h"
 #include "sub/ioeti_intern.h"
+#include "sub/serie.h"
 #include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
 #include "tests/support/keten.h"
+
+inline DtSer proef_serie(const Serienr& nr) {
+  DtSer rec{};
+  rec.nr = nr;
+  EXPECT_TRUE(IXREAD(dtser, &rec)) << serie_tekst(nr);
+  return rec;
+}
+inline void proef_merk(uint16_t nummer, const char* naam = "", const char* zoeknaam = "") {
+  DtMerk rec{};
+  rec.nummer = nummer;
+  veld_zet(rec.naam, sizeof rec.naam, naam);
+  veld_zet(rec.zoeknaam, sizeof rec.zoeknaam, zoeknaam);
+  IXWRITE(dtmerk, &rec);
+}
+inline void proef_artikel(
+    uint32_t nummer, const char* naam = "",
+    const std::function<void(DtArt&)>& anders = [](DtArt&) {}) {
+  DtArt rec{};
+  rec.nummer = nummer;
+  veld_zet(rec.naam, sizeof rec.naam, naam);
+  anders(rec);
+  IXWRITE(dtart, &rec);
+}
+/// Deletes the record with this key.
+template <class Rec>
+void proef_weg(ICB* tabel, Rec sleutel) {
+  ASSERT_TRUE(IXREADL(tabel, &sleutel));
+  IXDELETE(tabel, &sleutel);
+}
+/// A private order of these series, as a selection leaves it.
+inline void proef_selectie(const char* naam, const char* letters,
+                           std::initializer_list<Serienr> series) {
+  ICB* icb = sort_maak(naam, letters);
+  for (const Serienr& nr : series) {
+    DtSer rec = proef_serie(nr);
+    icb->record_no = dtser->record_no;
+    IXADDKEYS(icb, &rec);
+  }
+  IXCLOSE(icb);
+}
 
 /// Puts a label at the end of its series' chain; its number.
 inline int32_t proef_stuk(Etiket e) {
@@ -75,15 +117,8 @@ inline void proef_regel(int van, int naar, const Serienr& nr,
 
 /// The article group, brand 5 and colour 10.
 inline void proef_namen(uint32_t artgroep, const char* naam) {
-  DtArt art{};
-  art.nummer = artgroep;
-  veld_zet(art.naam, sizeof art.naam, naam);
-  IXWRITE(dtart, &art);
-  DtMerk merk{};
-  merk.nummer = 5;
-  veld_zet(merk.naam, sizeof merk.naam, "Duinroos");
-  veld_zet(merk.zoeknaam, sizeof merk.zoeknaam, "DUIN");
-  IXWRITE(dtmerk, &merk);
+  proef_artikel(artgroep, naam);
+  proef_merk(5, "Duinroos", "DUIN");
   Kleur kleur{};
   int32_t nummer = kleur.nummer = 10;
   veld_zet(kleur.naam, sizeof kleur.naam, "wit");
