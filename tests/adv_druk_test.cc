@@ -72,15 +72,8 @@ TEST_F(Druk, ManySizesTakeSeveralLines) {
   DtMaat rec{};
   rec.land = 1;
   rec.maatsoort = 2;
+  for (int i = 1; i <= 20; ++i) proef_maat(rec, i, str_format("%3d", 30 + i), i);
   IXWRITE(dtmaat, &rec);
-  MaatHandle* h = mtopen(1, 2, MT_WIJZIG);
-  for (uint8_t i = 1; i <= 20; ++i) {
-    MaatRec m{};
-    m.positie = i;
-    memcpy(m.tekst, str_format("%3d", 30 + i).c_str(), sizeof m.tekst);
-    mtvoegtoe(h, &m);
-  }
-  mtclose(h);
   DtSer s = proef_serie(JAS);
   s.maatsoort = 2;
   memset(s.maten, 0xFF, sizeof s.maten);

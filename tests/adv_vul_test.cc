@@ -52,10 +52,8 @@ struct AdvVul : ::testing::Test {
     DtMaat maat{};
     maat.land = maat.maatsoort = 1;
     // By size index; the bar shows 3, 1, 2, 4, 95.
-    for (const auto& [index, positie] : {std::pair{1, 2}, {2, 3}, {3, 1}, {4, 4}, {95, 5}}) {
-      str_printf(maat.ingang[index].tekst, 4, "%3d", index);
-      maat.ingang[index].ander = static_cast<uint8_t>(positie);
-    }
+    for (const auto& [index, positie] : {std::pair{1, 2}, {2, 3}, {3, 1}, {4, 4}, {95, 5}})
+      proef_maat(maat, index, str_format("%3d", index), positie);
     Keten::voeg(dtmaat, maat);
     for (const Serienr& nr : {BLOUSE, BROEK, JAS}) {
       Keten::serie(nr);
@@ -89,15 +87,7 @@ struct AdvVul : ::testing::Test {
   }
   static void onderweg(const Serienr& nr, uint32_t label, uint8_t van, uint8_t naar,
                        uint32_t opdracht, uint8_t afgewerkt = 0) {
-    DtGo go{};
-    go.nr = nr;
-    go.etiket = label;
-    go.vanfil = van;
-    go.naarfil = naar;
-    go.opdrachtnr = opdracht;
-    go.soort = 1;
-    go.afgewerkt = afgewerkt;
-    Keten::voeg(dtgo, go);
+    Keten::voeg(dtgo, DtGo{van, naar, 0, 0, label, nr, opdracht, 1, {}, afgewerkt, 0, 0});
   }
   /// The cells that are not zero, "branch/size=pieces", T the chain and the sum.
   static std::string toon(const MaatMatrix& m) {

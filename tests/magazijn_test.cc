@@ -31,13 +31,8 @@ struct Magazijn : ::testing::Test {
     proef_artikel(nummer, naam, [magazijn](DtArt& art) { art.magazijn = magazijn; });
   }
   static void serie(const Serienr& nr, const char* locatie) {
-    DtSer rec = Keten::serie(nr, 1, 5);
-    veld_zet(rec.locatie, sizeof rec.locatie, locatie);
-    veld_zet(rec.model, sizeof rec.model, "Anna lang");
-    veld_zet(rec.materiaal, sizeof rec.materiaal, "katoen");
-    veld_zet(rec.dessin, sizeof rec.dessin, "streep");
-    veld_zet(rec.kenmerk, sizeof rec.kenmerk, "KM");
-    Keten::voeg(dtser, rec);
+    Keten::serie(nr, 1, 5);
+    proef_kleding(nr, locatie);
   }
   static void etiketten(const Serienr& nr, int aantal, uint8_t status, uint8_t filiaal,
                         uint8_t reden = 0) {

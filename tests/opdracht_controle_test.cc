@@ -210,11 +210,7 @@ TEST_F(Controleren, TheExtensiveList) {
   DtMaat rec{};
   rec.land = 1;
   rec.maatsoort = 2;
-  for (uint8_t i = 1; i <= 20; ++i) {  // more than fit on a line
-    rec.maten[i / 8] = static_cast<uint8_t>(rec.maten[i / 8] | 1u << i % 8);
-    memcpy(rec.ingang[i].tekst, str_format("%3d", 30 + i).c_str(), 3);
-    rec.ingang[i].ander = i;
-  }
+  for (int i = 1; i <= 20; ++i) proef_maat(rec, i, str_format("%3d", 30 + i), i);  // two lines
   ProefKeten::voeg(dtmaat, rec);
   ASSERT_TRUE(serie_wacht(JAS));
   ser_rec.maatsoort = 2;

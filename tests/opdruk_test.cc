@@ -25,14 +25,8 @@ void maatsoort(uint8_t nummer, int aantal) {
   DtMaat rec{};
   rec.land = 1;
   rec.maatsoort = nummer;
-  for (int i = 1; i <= aantal; ++i) {
-    rec.maten[i / 8] = static_cast<uint8_t>(rec.maten[i / 8] | 1u << (i % 8));
-    MaatIngang& ingang = rec.ingang[i];
-    const std::string tekst = str_format("%3d", 30 + i);
-    memcpy(ingang.tekst, tekst.data(), sizeof ingang.tekst);
-    // Position from the end: the bar is not in the order of the indexes.
-    ingang.ander = static_cast<uint8_t>(aantal + 1 - i);
-  }
+  // Position from the end: the bar is not in the order of the indexes.
+  for (int i = 1; i <= aantal; ++i) proef_maat(rec, i, str_format("%3d", 30 + i), aantal + 1 - i);
   Keten::voeg(dtmaat, rec);
 }
 
@@ -41,19 +35,13 @@ struct Opdruk : ::testing::Test {
 
   void SetUp() override {
     keten.open();
-    werk8.assign(static_cast<size_t>(filialen()) + 1, {});
-    iofil('O', 0, &filiaal_rec);
+    proef_opdrachten();
     maatsoort(1, 4);
     maatsoort(2, 40);
     serie(BLOUSE, 1, "A1");
     serie(BROEK, 1, "B22222");
     serie(BREED, 2, "");
     proef_namen(BLOUSE.artgroep, "Blouses korte mouw");
-    pg_fill(adv_rec.aanvul_filialen);
-    pg_fill(adv_rec.vanuit_filialen);
-    saldo_splits = true;
-    saldo_opdrachtnr = 0;
-    str_printf(saldo_sort, sizeof saldo_sort, "%s", "AKV");
     str_printf(prt_links, sizeof prt_links, "%s", "De Ketting BV");
   }
   void TearDown() override {

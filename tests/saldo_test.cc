@@ -26,13 +26,7 @@ struct Saldo : ::testing::Test {
   void SetUp() override {
     keten.open();
     for (const Serienr& nr : {BLOUSE, BROEK, VREEMD}) Keten::voeg(dtser, Keten::serie(nr));
-    werk8.assign(static_cast<size_t>(filialen()) + 1, {});
-    iofil('O', 0, &filiaal_rec);
-    adv_rec = adv_standaard();
-    pg_fill(adv_rec.aanvul_filialen);
-    pg_fill(adv_rec.vanuit_filialen);
-    saldo_splits = true;
-    saldo_opdrachtnr = 0;
+    proef_opdrachten();
     // Selected are the first two.
     proef_selectie(privaat.o, "AKV", {BLOUSE, BROEK});
     dtser_o = IXOPEN(privaat.o, IX_LEES);

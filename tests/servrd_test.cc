@@ -13,7 +13,6 @@
 #include "scr/scr.h"
 #include "sub/adv_krit.h"
 #include "sub/adv_vul.h"
-#include "sub/bitarr.h"
 #include "sub/ioeti.h"
 #include "tests/support/stukken.h"
 #include "tests/support/terminal.h"
@@ -30,11 +29,7 @@ void zet(MaatMatrix& m, int fil, std::initializer_list<int32_t> stuks) {
 void maak_maten() {
   DtMaat rec{};
   rec.land = rec.maatsoort = 1;
-  for (uint8_t i = 1; i <= 3; ++i) {
-    memcpy(rec.ingang[i].tekst, str_format(" %d", 37 + i).c_str(), 3);
-    rec.ingang[i].ander = i;
-    bit_zet(rec.maten, i);
-  }
+  for (int i = 1; i <= 3; ++i) proef_maat(rec, i, str_format(" %d", 37 + i), i);
   Keten::voeg(dtmaat, rec);
   adv_maten = mtopen(1, 1, 0);
 }

@@ -7,16 +7,13 @@
 #include "main/iofil.h"
 #include "main/saldo.h"
 #include "main/zoeklijst.h"
-#include "scr/scr.h"
 #include "sub/adv_krit.h"
 #include "sub/muteren.h"
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"
-#include "sub/sel_krit.h"
 #include "tests/support/rapport.h"
 #include "tests/support/sterven.h"
 #include "tests/support/stukken.h"
-#include "tests/support/terminal.h"
 
 namespace {
 
@@ -29,25 +26,13 @@ struct Uitvoeren : ::testing::Test {
     keten.open();
     stel_in();
     for (const Serienr& nr : {BLOUSE, BROEK}) {
-      DtSer rec = Keten::serie(nr, 1, 5);
-      veld_zet(rec.locatie, sizeof rec.locatie, "B12-3");
-      veld_zet(rec.model, sizeof rec.model, "Anna lang");
-      veld_zet(rec.omschrijving, sizeof rec.omschrijving, "blouse met kraag");
-      veld_zet(rec.materiaal, sizeof rec.materiaal, "katoen");
-      veld_zet(rec.dessin, sizeof rec.dessin, "streep");
-      veld_zet(rec.kenmerk, sizeof rec.kenmerk, "KM");
-      Keten::voeg(dtser, rec);
+      Keten::serie(nr, 1, 5);
+      proef_kleding(nr, "B12-3");
     }
   }
   void TearDown() override { sluit(); }
-  void stel_in() const {
-    werk8.assign(static_cast<size_t>(filialen()) + 1, {});
-    iofil('O', 0, &filiaal_rec);
-    adv_rec = adv_standaard();
-    pg_fill(adv_rec.aanvul_filialen);
-    pg_fill(adv_rec.vanuit_filialen);
-    saldo_splits = true;
-    str_printf(saldo_sort, sizeof saldo_sort, "%s", "AKV");
+  static void stel_in() {
+    proef_opdrachten();
     str_printf(prt_links, sizeof prt_links, "%s", "De Ketting BV");
     sys_rec1.opties = 1;
   }
@@ -88,20 +73,6 @@ struct Uitvoeren : ::testing::Test {
   }
   static std::string lijsten(const std::vector<Uitvoering>& orders, int bladregels = 64) {
     return rapport([&] { uitvoer_lijsten(orders); }, bladregels);
-  }
-
-  /// The command on a terminal; "terug" stands there when it is over.
-  Terminal commando() {
-    return start_in_child([this] {
-      keten.open();
-      stel_in();
-      adv_sets[ADV_SALDO] = adv_standaard();
-      SCRINIT();
-      sel_start(13);
-      adviezen_uitvoeren();
-      scr_print(A_WAARDE, 20, 1, "terug");
-      scr_enter(21, 1);
-    });
   }
 };
 
@@ -238,11 +209,8 @@ TEST_F(Uitvoeren, TheSearchListIsAPageAPair) {
   proef_namen(BLOUSE.artgroep, "Blouses");
   DtMaat maten{};
   maten.land = maten.maatsoort = 1;
-  for (int i : {5, 6}) {
-    maten.maten[0] = static_cast<uint8_t>(maten.maten[0] | 1u << i);
-    memcpy(maten.ingang[i].tekst, i == 5 ? " 38" : " 36", 3);
-    maten.ingang[i].ander = static_cast<uint8_t>(7 - i);  // 36 comes first in the bar
-  }
+  proef_maat(maten, 5, " 38", 2);
+  proef_maat(maten, 6, " 36", 1);  // comes first in the bar
   Keten::voeg(dtmaat, maten);
   ASSERT_TRUE(serie_wacht(BROEK));
   ser_rec.maatregistratie = 1;
@@ -366,22 +334,6 @@ TEST_F(Uitvoeren, DyingAtEachWrite) {
     if (heel) break;
   }
   EXPECT_LE(te_veel, 5 + 2) << "only when it dies between a label and its line";
-}
-
-/// The selection left as it stands; then the search list, for one who has no printer but the
-/// screen.
-TEST_F(Uitvoeren, TheCommandWithItsScreens) {
-  etiketten(BLOUSE, 2, 5, 0);
-  proef_regel(0, 3, BLOUSE, {{5, 1}});
-  sluit();
-  Terminal t = commando();
-  EXPECT_SHOWS(t, "Selectiecriteria");
-  EXPECT_SHOWS(t.type(toets::Esc), "ZOEKLIJST, FILIAAL 0 -> FILIAAL 3", "Einde overzicht");
-  EXPECT_SHOWS(t.type(toets::Esc), "terug");
-  EXPECT_EQ(t.type(toets::Enter).exit_status(), 0);
-  keten.open();
-  stel_in();
-  EXPECT_EQ(tel(BLOUSE).waar, (Waar{{"5:0", 1}, {"5:0>3", 1}}));
 }
 
 }  // namespace

@@ -355,6 +355,7 @@ TEST_F(Weg, FromSeriesToBranch) {
   const size_t onderweg = keten.records<DtGo>("DTGO.TXT").size();
   t.type("34", "I", toets::Esc);
   druk(t, "ZOEKLIJST");
+  EXPECT_SHOWS(t, "VERZAMELOPDRACHTEN");
   EXPECT_EQ(voorlopige(), 0U);
   EXPECT_GT(keten.records<DtGo>("DTGO.TXT").size(), onderweg);
   t.type(toets::Esc);

@@ -374,12 +374,9 @@ TEST_F(Zoek, SizesGoByTextAndByTheirBar) {
   DtMaat m{};
   m.land = 1;
   m.maatsoort = 2;
-  const char* maten[] = {"  S", "  M", "  L"};
-  const uint8_t posities[] = {1, 3, 2};  // the bar shows S L M
-  for (int i = 0; i < 3; ++i) {
-    memcpy(m.ingang[i + 1].tekst, maten[i], 3);
-    m.ingang[i + 1].ander = posities[i];
-  }
+  proef_maat(m, 1, "  S", 1);
+  proef_maat(m, 2, "  M", 3);
+  proef_maat(m, 3, "  L", 2);  // the bar shows S L M
   Keten::voeg(dtmaat, m);
   DtMtom oms{};
   oms.land = 1;

@@ -10,9 +10,14 @@
 
 #include "isam/base.h"
 #include "isam/io.h"
+#include "main/iofil.h"
 #include "main/iotab.h"
+#include "main/saldo.h"
+#include "sub/adv_krit.h"
+#include "sub/bitarr.h"
 #include "sub/ioeti.h"
 #include "sub/ioeti_intern.h"
+#include "sub/pghdl.h"
 #include "sub/serie.h"
 #include "sub/tabelgebruik.h"
 #include "sub/tabellen.h"
@@ -39,6 +44,34 @@ inline void proef_artikel(
   veld_zet(rec.naam, sizeof rec.naam, naam);
   anders(rec);
   IXWRITE(dtart, &rec);
+}
+/// What a document shows of a series beside its numbers.
+inline void proef_kleding(const Serienr& nr, const char* locatie) {
+  DtSer rec = proef_serie(nr);
+  veld_zet(rec.locatie, sizeof rec.locatie, locatie);
+  veld_zet(rec.model, sizeof rec.model, "Anna lang");
+  veld_zet(rec.omschrijving, sizeof rec.omschrijving, "blouse met kraag");
+  veld_zet(rec.materiaal, sizeof rec.materiaal, "katoen");
+  veld_zet(rec.dessin, sizeof rec.dessin, "streep");
+  veld_zet(rec.kenmerk, sizeof rec.kenmerk, "KM");
+  IXWRITE(dtser, &rec);
+}
+/// One size of a bar, by index: its text and its position.
+inline void proef_maat(DtMaat& rec, int index, const std::string& tekst, int positie) {
+  bit_zet(rec.maten, index);
+  memcpy(rec.ingang[index].tekst, tekst.data(), sizeof rec.ingang[index].tekst);
+  rec.ingang[index].ander = static_cast<uint8_t>(positie);
+}
+/// A run over orders as its commands begin it: all branches, split by pair, in series order.
+inline void proef_opdrachten() {
+  werk8.assign(static_cast<size_t>(filialen()) + 1, {});
+  iofil('O', 0, &filiaal_rec);
+  adv_rec = adv_standaard();
+  pg_fill(adv_rec.aanvul_filialen);
+  pg_fill(adv_rec.vanuit_filialen);
+  saldo_splits = true;
+  saldo_opdrachtnr = 0;
+  str_printf(saldo_sort, sizeof saldo_sort, "%s", "AKV");
 }
 /// Deletes the record with this key.
 template <class Rec>
