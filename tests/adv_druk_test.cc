@@ -1,8 +1,6 @@
 // The advice reports as text, without a screen.
 #include "sub/adv_druk.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
 
 #include "prt/prt.h"

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "scr/scr.h"
 #include "tests/support/keten.h"
 #include "tests/support/terminal.h"

@@ -37,9 +37,6 @@ struct AdvSchrijf : ::testing::Test {
   static void wens(int filiaal, int maat, int32_t n) {
     advies.m_voorlopig[static_cast<size_t>(filiaal)][static_cast<size_t>(maat)] += n;
   }
-  static void wensen(std::initializer_list<std::tuple<int, int, int32_t>> lijst) {
-    for (const auto& [filiaal, maat, n] : lijst) wens(filiaal, maat, n);
-  }
   static void oud(int van, int naar, int maat, int32_t n) {
     TpckRec rec{static_cast<uint8_t>(van), static_cast<uint8_t>(naar), static_cast<uint8_t>(maat),
                 0, n};
@@ -69,39 +66,39 @@ struct AdvSchrijf : ::testing::Test {
   }
 };
 
-TEST_F(AdvSchrijf, FillsPairsInOrderOfBranch) {
-  wensen({{5, 1, -3}, {2, 1, -2}, {2, 7, -1}, {0, 1, 1}, {3, 7, 1}, {9, 1, 4}});
-  opdracht_schrijven();
-  EXPECT_EQ(regels(), " 2>0/1=1, 2>3/7=1, 2>9/1=1, 5>9/1=3");
-  EXPECT_EQ(advies.m_voorlopig[5][1], -3) << "works on a copy";
-}
+struct Geval {
+  std::vector<Lijn> wensen;  // branch, size, pieces: given below zero
+  std::vector<std::tuple<int, int, int, int>> oud;
+  const char* soll;
+};
 
-TEST_F(AdvSchrijf, ALineThatNoLongerFitsShrinksAndTheRestGoesElsewhere) {
-  wensen({{1, 1, -5}, {4, 1, 2}, {3, 1, 2}, {8, 1, 1}});
-  oud(1, 4, 1, 4);  // wants only two now
-  oud(1, 6, 1, 3);  // wants nothing any more
-  oud(1, 8, 2, 1);  // of a size that nobody gives
-  oud(2, 3, 1, 2);  // from a branch that gives nothing
-  opdracht_schrijven();
-  EXPECT_EQ(regels(), " 1>3/1=2, 1>4/1=2, 1>8/1=1");
-  EXPECT_TRUE(proef_inhoud<TpckRec>(tpck).empty()) << "for the next series";
-}
-
-TEST_F(AdvSchrijf, WhatHasNoOtherSideWritesNothing) {
-  wensen({{1, 1, -5}, {2, 2, 4}, {3, 1, 2}});
-  wensen({{6, 40, -1}, {7, 40, 1}});  // not a size of the series
-  oud(3, 3, 1, 9);
-  oud(1, 255, 1, 9);
-  oud(250, 3, 1, 9);
-  oud(1, 3, 200, 9);
-  opdracht_schrijven();
-  EXPECT_EQ(regels(), " 1>3/1=2");
-}
-
-TEST_F(AdvSchrijf, EnormousQuantitiesTakeOneStep) {
-  wensen({{1, 1, INT32_MIN}, {2, 1, INT32_MAX}, {3, 1, 1}});
-  opdracht_schrijven();
-  EXPECT_EQ(regels(), " 1>2/1=2147483647, 1>3/1=1");
+TEST_F(AdvSchrijf, PairsInOrderOfBranchAndOldLinesAsFarAsTheyFit) {
+  const Geval GEVALLEN[] = {
+      {{{5, 1, -3}, {2, 1, -2}, {2, 7, -1}, {0, 1, 1}, {3, 7, 1}, {9, 1, 4}},
+       {},
+       " 2>0/1=1, 2>3/7=1, 2>9/1=1, 5>9/1=3"},
+      // Wants only two now; wants nothing any more; of a size that nobody gives; from a branch that
+      // gives nothing.
+      {{{1, 1, -5}, {4, 1, 2}, {3, 1, 2}, {8, 1, 1}},
+       {{1, 4, 1, 4}, {1, 6, 1, 3}, {1, 8, 2, 1}, {2, 3, 1, 2}},
+       " 1>3/1=2, 1>4/1=2, 1>8/1=1"},
+      // Not a size of the series; no such pair, branch or size.
+      {{{1, 1, -5}, {2, 2, 4}, {3, 1, 2}, {6, 40, -1}, {7, 40, 1}},
+       {{3, 3, 1, 9}, {1, 255, 1, 9}, {250, 3, 1, 9}, {1, 3, 200, 9}},
+       " 1>3/1=2"},
+      {{{1, 1, INT32_MIN}, {2, 1, INT32_MAX}, {3, 1, 1}}, {}, " 1>2/1=2147483647, 1>3/1=1"},
+  };
+  for (const Geval& g : GEVALLEN) {
+    for (ICB* tabel : {dtpick, tpck}) IXINIT(tabel);
+    matrix_wis(advies.m_voorlopig);
+    for (const auto& [filiaal, maat, n] : g.wensen) wens(filiaal, maat, n);
+    for (const auto& [van, naar, maat, n] : g.oud) oud(van, naar, maat, n);
+    const MaatMatrix voor = advies.m_voorlopig;
+    opdracht_schrijven();
+    EXPECT_EQ(regels(), g.soll);
+    EXPECT_TRUE(advies.m_voorlopig == voor) << "works on a copy";
+    EXPECT_TRUE(proef_inhoud<TpckRec>(tpck).empty()) << "for the next series";
+  }
 }
 
 TEST_F(AdvSchrijf, ALineIsAddedToTheProvisionalOneOfItsPair) {

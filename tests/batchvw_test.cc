@@ -1,10 +1,8 @@
 // Work exclusion between processes: what a claim meets, and that it goes with its process.
 #include "main/batchvw.h"
 
-#include "isam/ix.h"
 #include "tests/support/agent.h"
 #include "tests/support/proefsysteem.h"
-#include "tests/support/terminal.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include <numeric>
 #include <random>
 
-#include "main/controle.h"
 #include "tests/support/dc_proef.h"
 
 namespace {

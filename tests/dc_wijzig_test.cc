@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "isam/io.h"
-#include "main/controle.h"
 #include "sub/dc_wijzig.h"
 #include "tests/support/dc_proef.h"
 

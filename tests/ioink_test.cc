@@ -1,7 +1,6 @@
 // Price sets: overlap of periods, chains of groups, the free list of DTIPG.TXT.
 #include <cstring>
 
-#include "isam/io.h"
 #include "sub/bitarr.h"
 #include "sub/ioink.h"
 #include "sub/ioink_intern.h"

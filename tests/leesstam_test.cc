@@ -1,5 +1,4 @@
 // Reads of the master files, and the definitions that all tables are made from.
-#include <cstring>
 
 #include "sub/leesstam.h"
 #include "sub/tabeldef.h"

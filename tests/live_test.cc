@@ -4,11 +4,9 @@
 
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <set>
 
 #include "isam/base.h"
-#include "isam/ix.h"
 #include "main/batchvw.h"
 #include "main/controle.h"
 #include "main/iotab.h"

@@ -1,5 +1,4 @@
 // The list of locations as text, and the location of one series as an operator gives it.
-#include <cstring>
 #include <regex>
 
 #include "isam/base.h"

@@ -6,7 +6,6 @@
 #include <random>
 
 #include "sub/mut_intern.h"
-#include "sub/opdrnr.h"
 #include "tests/support/agent.h"
 #include "tests/support/dc_proef.h"
 

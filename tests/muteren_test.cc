@@ -1,7 +1,6 @@
 // The steps of a move as records and bytes: what each file holds afterwards, which key the tables
 // stand on, and two terminals at the same series and the same file.
 #include <cstring>
-#include <vector>
 
 #include "isam/base.h"
 #include "main/iofil.h"

@@ -3,7 +3,6 @@
 
 #include "isam/base.h"
 #include "scr/scr.h"
-#include "sub/opdrnr.h"
 #include "tests/support/keten.h"
 #include "tests/support/terminal.h"
 

@@ -1,6 +1,5 @@
 // The commands that print orders, on a screen: what they ask in which order, what they leave behind
 // in DTPICK, and what keeps them out.
-#include <cstring>
 
 #include "isam/base.h"
 #include "main/controle.h"
@@ -9,7 +8,6 @@
 #include "main/work.h"
 #include "prt/prt.h"
 #include "scr/scr.h"
-#include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
 #include "tests/support/print_proef.h"
 #include "tests/support/stukken.h"

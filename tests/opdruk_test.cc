@@ -1,6 +1,4 @@
 // The order document as text: whole pages of each kind, split and not, and where pages end.
-#include <cstring>
-#include <functional>
 #include <map>
 #include <numeric>
 #include <regex>
@@ -13,7 +11,6 @@
 #include "main/saldo_pas.h"
 #include "main/verzamel.h"
 #include "prt/prt.h"
-#include "sub/pghdl.h"
 #include "tests/support/rapport.h"
 #include "tests/support/stukken.h"
 

@@ -8,7 +8,6 @@
 #include "main/verzamel.h"
 #include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
-#include "sub/pghdl.h"
 #include "tests/support/keten.h"
 #include "tests/support/sterven.h"
 

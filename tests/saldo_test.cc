@@ -1,7 +1,5 @@
 // The pass over order lines and its list, on hand-made lines: modes, branch maps, series that are
 // not selected, what a definitive order writes off.
-#include <cstdio>
-#include <cstring>
 #include <map>
 
 #include "isam/base.h"
@@ -9,7 +7,6 @@
 #include "main/saldo.h"
 #include "main/saldo_pas.h"
 #include "main/verzamel.h"
-#include "prt/prt.h"
 #include "sub/adv_krit.h"
 #include "sub/opdrnr.h"
 #include "sub/pghdl.h"

@@ -2,8 +2,6 @@
 // recalling.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "prt/prt.h"
 #include "scr/scr.h"
 #include "sub/sel_intern.h"

@@ -92,23 +92,6 @@ TEST(Stroom, PassesOverLettersThatNoFieldHasAndEndsWithTheBytes) {
   EXPECT_EQ(lees({}).rec.sel_oms[0], 0);
 }
 
-TEST(Stroom, AnyBytesLeaveTextsTerminatedAndNumbersInBounds) {
-  for (uint32_t zaad = 1; zaad <= 3000; ++zaad) {
-    std::mt19937 rng(zaad);
-    Bytes b = kop();
-    static constexpr uint8_t LETTERS[] = "abcdefghijklmoqsuvwxyzABCDFGHJKMOQSTUWY";
-    for (size_t n = rng() % 400; n > 0; --n) {
-      b.push_back(rng() % 4 == 0 ? LETTERS[rng() % (sizeof LETTERS - 1)]
-                                 : static_cast<uint8_t>(rng() % 3 == 0 ? 255 : rng()));
-    }
-    const Uit u = lees(b);
-    EXPECT_EQ(u.rec.doelgroep[10], 0) << zaad;
-    EXPECT_EQ(u.rec.seizoen[2], 0) << zaad;
-    EXPECT_LE(u.rec.stdmod, 2) << zaad;
-    EXPECT_LE(u.rec.kenmerk_nr, 9) << zaad;
-  }
-}
-
 struct Selectie : testing::Test {
   Keten k;
   void SetUp() override {
@@ -164,6 +147,8 @@ TEST_F(Selectie, AFileOfAnyBytesCanBeShownFilledAndWrittenInEveryKind) {
     }
     std::ofstream(stroom_naam(soort, 5), std::ios::binary) << bytes;
     sel_lees(5);
+    EXPECT_TRUE(sel_rec.doelgroep[10] == 0 && sel_rec.seizoen[2] == 0) << zaad;
+    EXPECT_TRUE(sel_rec.stdmod <= 2 && sel_rec.kenmerk_nr <= 9) << zaad;
     for (const char* p = sel_letters; *p != 0; ++p) {
       for (const SelWijze w : {SelWijze::scherm, SelWijze::alles, SelWijze::gezet}) {
         sel_wijze = w;

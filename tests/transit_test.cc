@@ -2,10 +2,8 @@
 // state of a label, a series that somebody holds, a process that dies at each of its writes, and
 // the commands as an operator sees them.
 #include <algorithm>
-#include <cstring>
 #include <regex>
 
-#include "main/saldo.h"
 #include "main/transit.h"
 #include "main/transit_in.h"
 #include "sub/muteren.h"

@@ -9,7 +9,6 @@
 #include "main/zoeklijst.h"
 #include "sub/adv_krit.h"
 #include "sub/muteren.h"
-#include "sub/opdrnr.h"
 #include "sub/pghdl.h"
 #include "tests/support/rapport.h"
 #include "tests/support/sterven.h"

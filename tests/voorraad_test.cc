@@ -2,12 +2,10 @@
 // when, and the commands against each other on two terminals.
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <set>
 #include <sstream>
 
-#include "isam/base.h"
 #include "isam/ix.h"
 #include "main/batchvw.h"
 #include "main/controle.h"
