@@ -13,7 +13,6 @@
 #include "sub/records.h"
 #include "tests/support/agent.h"
 #include "tests/support/demo.h"
-#include "tests/support/terminal.h"
 
 namespace {
 
@@ -46,12 +45,6 @@ struct DemoKeten : DemoMap {
     return tekst + std::string(31, '-') + "\n" +
            str_format("TOTAAL               %4u stuks\n", totaal);
   }
-  Terminal launcher() const {
-    TerminalOpties opties;
-    opties.dir = map.pad;
-    opties.env = {"BIN=" BUILD_DIR, "KOBPRT=" + map.pad, "TMUX"};
-    return start({BUILD_DIR "/hoofdmnu"}, opties);
-  }
 };
 
 void meld_aan(Terminal& t, const char* code, const char* wachtwoord) {
@@ -59,9 +52,8 @@ void meld_aan(Terminal& t, const char* code, const char* wachtwoord) {
 }
 void naar_opdsaldo(Terminal& t) {
   meld_aan(t, "DEMO", "DEMO");
-  ASSERT_TRUE(t.shows("Voorraadbeheer"));
-  t.type("1");
-  ASSERT_TRUE(t.shows("SALDO VOORLOPIGE OPDRACHTEN"));
+  EXPECT_SHOWS(t, "Voorraadbeheer");
+  EXPECT_SHOWS(t.type("1"), "SALDO VOORLOPIGE OPDRACHTEN");
 }
 
 /// What stands behind the page head of a printed list.
@@ -74,9 +66,6 @@ std::string lijst(const std::string& pad) {
   return uit;
 }
 
-/// The connection of the demo chain that prints to a file.
-std::string afdruk(const DemoKeten& k) { return k / "afdruk.lst"; }
-
 TEST(Live, LoginSelectPrintAndBack) {
   const DemoKeten keten;
   Terminal t = keten.launcher();
@@ -88,9 +77,9 @@ TEST(Live, LoginSelectPrintAndBack) {
   t.type(toets::Esc);
   ASSERT_TRUE(t.shows("Printbestemming"));
   EXPECT_SHOWS(t.type(toets::Down, toets::Enter), "Selectie en afdrukken");
-  ASSERT_TRUE(
-      wacht_tot([&] { return bytes_van(afdruk(keten)).find("TOTAAL") != std::string::npos; }));
-  EXPECT_EQ(lijst(afdruk(keten)), keten.saldo());
+  ASSERT_TRUE(wacht_tot(
+      [&] { return bytes_van(keten / "afdruk.lst").find("TOTAAL") != std::string::npos; }));
+  EXPECT_EQ(lijst(keten / "afdruk.lst"), keten.saldo());
   EXPECT_SHOWS(t.type(toets::Esc), "Hoofdmenu");
   EXPECT_EQ(t.type(toets::Esc).exit_status(), 0);
   for (const char* weg :

@@ -127,10 +127,8 @@ TEST_F(Opdruk, DefinitiveForAllReceivers) {
   proef_regel(2, 3, BLOUSE, {{1, 2}, {4, 1234}});
   proef_regel(2, 11, BLOUSE, {{3, 1}});
   EXPECT_EQ(
-      document(OpdrachtSoort::nieuw),
-      R"(De Ketting BV                                 VERZAMELOPDRACHT FILIAAL 2                                  DD-MM-JJJJ UU:MM blad:   1
-
-serie merk            omschrijving          locatie        maatspecificatie                                     Opdrachtnr: 20000011
+      vanaf(document(OpdrachtSoort::nieuw), "serie merk"),
+      R"(serie merk            omschrijving          locatie        maatspecificatie                                     Opdrachtnr: 20000011
       model           materiaal    dessin     advpr fn tot maataantallen
 =132=
 10100.10.1            Blouses korte mouw     A1         KM   34  33  32  31

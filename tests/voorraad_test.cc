@@ -14,23 +14,19 @@
 #include "sub/tabellen.h"
 #include "tests/support/agent.h"
 #include "tests/support/demo.h"
-#include "tests/support/terminal.h"
 #include "tools/keten.h"
 
 namespace {
 
 struct DemoKeten : DemoMap {
   DemoKeten() : DemoMap(1) {}
-  Terminal launcher(const char* gebruiker, const std::string& waar = "") const {
-    TerminalOpties opties;
-    opties.dir = waar.empty() ? map.pad : waar;
-    opties.env = {"BIN=" BUILD_DIR, "KOBPRT=" + opties.dir, "TMUX"};
-    Terminal t = start({BUILD_DIR "/hoofdmnu"}, opties);
+  Terminal aangemeld(const char* gebruiker, const std::string& waar = "") const {
+    Terminal t = launcher(waar);
     t.type(toets::in(gebruiker), toets::in(gebruiker));
     return t;
   }
   Terminal voorraad(const char* gebruiker = "DEMO") const {
-    Terminal t = launcher(gebruiker);
+    Terminal t = aangemeld(gebruiker);
     t.type("2");
     return t;
   }
@@ -52,7 +48,7 @@ bool kan(Terminal& t, int nummer) {
 
 TEST(VoorraadMenu, TheWholePicture) {
   const DemoKeten keten;
-  Terminal l = keten.launcher("DEMO");
+  Terminal l = keten.aangemeld("DEMO");
   EXPECT_SHOWS(l, " 1 Voorraadbeheer", " 2 Voorraad en opdrachten");
   EXPECT_SHOWS(l.type("2"), "Adviezen en opdrachten * Voorraadbeheer");
   EXPECT_ROWS(l, 3, R"(
@@ -111,7 +107,7 @@ TEST(VoorraadMenu, OfferedInANewChainAndToANewUser) {
                             .c_str()),
             0);
   for (const char* gebruiker : {"BEHEER", "JAN"}) {
-    Terminal t = keten.launcher(gebruiker, map);
+    Terminal t = keten.aangemeld(gebruiker, map);
     EXPECT_SHOWS(t, " 1 Voorraadbeheer", " 2 Voorraad en opdrachten");
     EXPECT_SHOWS(t.type("2"), "VERZAMELOPDRACHTEN");
   }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/support/bestand.h"
+#include "tests/support/terminal.h"
 #include "tests/support/tijdelijk.h"
 
 struct DemoMap {
@@ -28,6 +29,14 @@ struct DemoMap {
                               std::filesystem::copy_options::overwrite_existing);
   }
   std::string operator/(const char* naam) const { return map.pad + "/" + naam; }
+
+  /// The launcher in the chain, or in a chain elsewhere.
+  Terminal launcher(const std::string& waar = "") const {
+    TerminalOpties opties;
+    opties.dir = waar.empty() ? map.pad : waar;
+    opties.env = {"BIN=" BUILD_DIR, "KOBPRT=" + opties.dir, "TMUX"};
+    return start({BUILD_DIR "/hoofdmnu"}, opties);
+  }
 
   /// The records of a table's data file, deleted ones left out.
   template <class Rec>
