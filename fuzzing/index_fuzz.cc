@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "fuzzing/fuzz.h"
+#include "isam/base.h"
 #include "isam/ix.h"
 
 namespace {
@@ -96,6 +97,8 @@ void fuzz_een(const uint8_t* data, size_t n) {
     stap([&] { IXLOCK(icb, 12); });
     stap([&] { IXCLOSE(icb); });
   }
+  // A wild count of records has put the new one far away: a rebuild of all that is only slow.
+  if (file_size("FUZZ.TXT") > 1 << 24) return;
   stap([] { IXBLDIX("FUZZ"); });
   stap([] { IXCHECK("FUZZ"); });
 }
