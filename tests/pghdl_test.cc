@@ -87,6 +87,8 @@ TEST_F(Groepen, DigitsAndColumns) {
   sys_rec1.filialen = 101;
   EXPECT_EQ(fil_digits(false), 3);
   EXPECT_EQ(fil_digits(true), 2);
+  EXPECT_EQ(fil_column_attr(4), A_STREEP);  // no screen, so no colours
+  EXPECT_EQ(fil_column_attr(5), A_LABEL);
   uint8_t vol[32];
   pg_fill(vol);
   EXPECT_TRUE(pg_is_all(vol) && bit_alle_filialen(vol));

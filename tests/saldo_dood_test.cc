@@ -152,40 +152,4 @@ TEST_F(SaldoDood, ANumberThatCameRoundTakesTheOldLinesPlace) {
   EXPECT_EQ(tabel_fouten("DTPICK"), "");
 }
 
-/// What one step leaves is what deleting and inserting left, byte for byte.
-TEST_F(SaldoDood, TheFilesAreThoseOfDeleteAndInsert) {
-  vul(30);
-  const BepKopie begin("DTPICK");
-  const auto doe = [&](bool ineens) {
-    begin.terug();
-    ICB* icb = IXOPEN("DTPICK", IX_GEDEELD);
-    IXSWITCH(icb, 2);
-    for (int n = 0; n < 30; n += 7) {
-      DtPick rec = pick(BROEK, n % 5, 5 + n / 5, 0, 0);
-      EXPECT_TRUE(IXREADL(icb, &rec));
-      if (!ineens) IXDELETE(icb, &rec);
-      rec.opdrachtnr = 20000011;
-      rec.orderdatum = 46100;
-      if (ineens)
-        EXPECT_TRUE(IXUPDATE(icb, &rec));
-      else
-        IXWRITE(icb, &rec);
-      EXPECT_EQ(icb->block.key_number, 2);
-      EXPECT_TRUE(file_lock('U', icb->data_fd, 0, 0));
-    }
-    // A key that another record has: refused, and nothing changed.
-    DtPick rec = pick(BLOUSE, 1, 5, 0, 0);
-    EXPECT_TRUE(IXREADL(icb, &rec));
-    if (ineens) {
-      rec.opdrachtnr = 29000000;
-      EXPECT_FALSE(IXUPDATE(icb, &rec));
-      rec.opdrachtnr = 0;
-    }
-    IXRELEASE(icb, &rec);
-    IXCLOSE(icb);
-    return bytes_van("DTPICK.INX") + bytes_van("DTPICK.TXT");
-  };
-  EXPECT_TRUE(doe(true) == doe(false));
-}
-
 }  // namespace

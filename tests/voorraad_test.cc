@@ -10,6 +10,7 @@
 #include "main/batchvw.h"
 #include "main/controle.h"
 #include "main/iotab.h"
+#include "sub/opdrnr.h"
 #include "sub/records.h"
 #include "sub/tabellen.h"
 #include "tests/support/agent.h"
@@ -319,21 +320,24 @@ TEST_F(Weg, FromSeriesToBranch) {
   const size_t voorlopig = voorlopige();
   std::set<uint32_t> oud;
   for (const DtPick& r : regels(nr)) oud.insert(r.opdrachtnr);
-  t.type("31", toets::Esc, toets::Enter);
+  t.type("31", toets::Esc);
+  EXPECT_SHOWS(t, "Afdrukvolgorde");
+  t.type("1");
   EXPECT_NE(druk(t, sleutel).find("(voorlopig)"), std::string::npos);
   EXPECT_EQ(voorlopige(), voorlopig);
 
-  // Definitive, of its brand only: document, then balance.
+  // Definitive, of its brand only, before anything is printed: document, then balance.
   const uint16_t merk = serie(nr).merk;
   t.type("32", "11", toets::in(std::to_string(merk)), toets::Esc);
-  druk(t, sleutel);
-  druk(t, "TOTAAL");
+  EXPECT_SHOWS(t, "Printbestemming");
   uint32_t opdracht = 0;
   for (const DtPick& r : regels(nr)) {
-    EXPECT_NE(r.opdrachtnr, 0U);
+    EXPECT_TRUE(opdrnr_ok(std::to_string(r.opdrachtnr).c_str()));
     if (!oud.contains(r.opdrachtnr)) opdracht = r.opdrachtnr;
   }
   ASSERT_NE(opdracht, 0U);
+  druk(t, "Opdrachtnr: " + std::to_string(opdracht));
+  druk(t, "TOTAAL");
   EXPECT_LT(voorlopige(), voorlopig);
   EXPECT_GT(voorlopige(), 0U);  // other brands wait
 
