@@ -412,10 +412,7 @@ TEST(Uitleg, TellsWhyInAWindowThatScrolls) {
     advies.groep.streef.fill(2);
   });
   EXPECT_TRUE(t.type("x", toets::Esc, "p", toets::Down, toets::Down).reverse(7, 5));
-  t.type("?");
-  EXPECT_TRUE(t.shows("Uitleg filiaal 2 maat  38")) << t.screen();
-  EXPECT_TRUE(t.shows("> krijgt   < geeft"));
-  EXPECT_TRUE(t.shows("Voorraad 0,")) << t.screen();
+  EXPECT_SHOWS(t.type("?"), "Uitleg filiaal 2 maat  38", "> krijgt   < geeft", "Voorraad 0,");
   const std::string eerste = t.screen();
   t.type(toets::PgDn);
   EXPECT_NE(t.screen(), eerste);

@@ -320,16 +320,14 @@ TEST_F(Weg, FromSeriesToBranch) {
   const size_t voorlopig = voorlopige();
   std::set<uint32_t> oud;
   for (const DtPick& r : regels(nr)) oud.insert(r.opdrachtnr);
-  t.type("31", toets::Esc);
-  EXPECT_SHOWS(t, "Afdrukvolgorde");
+  EXPECT_SHOWS(t.type("31", toets::Esc), "Afdrukvolgorde");
   t.type("1");
   EXPECT_NE(druk(t, sleutel).find("(voorlopig)"), std::string::npos);
   EXPECT_EQ(voorlopige(), voorlopig);
 
   // Definitive, of its brand only, before anything is printed: document, then balance.
   const uint16_t merk = serie(nr).merk;
-  t.type("32", "11", toets::in(std::to_string(merk)), toets::Esc);
-  EXPECT_SHOWS(t, "Printbestemming");
+  EXPECT_SHOWS(t.type("32", "11", toets::in(std::to_string(merk)), toets::Esc), "Printbestemming");
   uint32_t opdracht = 0;
   for (const DtPick& r : regels(nr)) {
     EXPECT_TRUE(opdrnr_ok(std::to_string(r.opdrachtnr).c_str()));

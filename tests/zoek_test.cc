@@ -124,22 +124,13 @@ TEST_F(ZoekMerk, SeveralNamesOrAnUnknownNumberOpenTheListAtTheNearest) {
   EXPECT_TRUE(t.row(22).starts_with("n1 nr123 anders/n1 nr123 weg/ 123")) << t.row(22);
 }
 
-TEST_F(ZoekMerk, TheListStartsWithTheChoiceMarkedAndTakesMarksEnterAndAll) {
-  Terminal t = veld(3);
+TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
+  Terminal t = veld(2);
   EXPECT_EQ(t.type(F5).text(5, 46, 10), "→DUIN    5");  // at the present brand, 5 and 7 marked
   EXPECT_EQ(t.text(6, 46, 6), " KAAP ");
   EXPECT_EQ(t.text(7, 46, 10), "→ZILT    7");
   EXPECT_SHOWS(t.type(Enter), "Zoeknaam ____");  // with marks Enter does nothing
-  t.type(F7);                                    // 5 off, down to 40
-  t.type(F7);                                    // 40 on
-  EXPECT_EQ(t.type(F3).text(3, 10, 4), "7___");
-  EXPECT_SHOWS(t.type(F5, F10, Enter, F5, F10, F6), " *-0");
-  EXPECT_EQ(t.type(F3).row(22), "n2 nr7 anders/n1 nr7 /n0 nr0 anders/");
-}
-
-TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
-  Terminal t = veld(2);
-  t.type(F5, F10);
+  t.type(F10);
   t.type(F7);  // 5
   t.type(F6);
   EXPECT_EQ(
