@@ -129,7 +129,9 @@ TEST_F(ZoekMerk, AllButSomeAreTakenInOrderAndTheOrderStaysWithTab) {
   EXPECT_EQ(t.type(F5).text(5, 46, 10), "→DUIN    5");  // at the present brand, 5 and 7 marked
   EXPECT_EQ(t.text(6, 46, 6), " KAAP ");
   EXPECT_EQ(t.text(7, 46, 10), "→ZILT    7");
-  EXPECT_SHOWS(t.type(Enter), "Zoeknaam ____");  // with marks Enter does nothing
+  EXPECT_SHOWS(t.type(Enter), "Zoeknaam ____");             // with marks Enter does nothing
+  EXPECT_EQ(t.type(F7, Up).text(5, 46, 10), " DUIN    5");  // its mark goes and comes back
+  EXPECT_EQ(t.type(F7, Up).text(5, 46, 10), "→DUIN    5");
   t.type(F10);
   t.type(F7);  // 5
   t.type(F6);
