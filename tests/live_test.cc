@@ -2,11 +2,13 @@
 // launcher; with the numbers held against a hand count of the data file's own bytes.
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <set>
 
 #include "isam/base.h"
+#include "isam/ix.h"
 #include "main/batchvw.h"
 #include "main/controle.h"
 #include "main/iotab.h"
@@ -21,11 +23,11 @@ constexpr int FILIALEN = 12;
 struct DemoKeten : DemoMap {
   DemoKeten() : DemoMap(7) {}
 
-  /// The balance by hand: pieces out and in of provisional lines.
-  std::string saldo() const {
+  /// The balance by hand: pieces out and in of provisional lines, of one brand or of all (0).
+  std::string saldo(uint16_t merk = 0) const {
     std::set<std::array<uint32_t, 3>> series;
     for (const DtSer& s : records<DtSer>("DTSER.TXT"))
-      series.insert({s.nr.artgroep, s.nr.kleur, s.nr.volgnr});
+      if (merk == 0 || s.merk == merk) series.insert({s.nr.artgroep, s.nr.kleur, s.nr.volgnr});
     std::array<uint32_t, FILIALEN> uit{}, in{};
     for (const DtPick& r : records<DtPick>("DTPICK.TXT")) {
       if (r.opdrachtnr != 0 || !series.contains({r.nr.artgroep, r.nr.kleur, r.nr.volgnr})) continue;
@@ -87,6 +89,41 @@ TEST(Live, LoginSelectPrintAndBack) {
     EXPECT_FALSE(std::filesystem::exists(keten / weg)) << weg;
   EXPECT_EQ(file_size((keten / "DTSELVRD.001").c_str()), 868);
   EXPECT_TRUE(std::filesystem::exists(keten / "DTSER.V01"));
+}
+
+/// The brand of the first provisional line, through criteria and preview to the last line.
+TEST(Live, OneBrandAndThePreview) {
+  const DemoKeten keten;
+  const auto regels = keten.records<DtPick>("DTPICK.TXT");
+  const auto regel =
+      std::find_if(regels.begin(), regels.end(), [](const DtPick& r) { return r.opdrachtnr == 0; });
+  ASSERT_NE(regel, regels.end());
+  uint16_t merk = 0;
+  for (const DtSer& s : keten.records<DtSer>("DTSER.TXT"))
+    if (s.nr == regel->nr) merk = s.merk;
+  const std::string soll = keten.saldo(merk);
+  ASSERT_NE(soll, keten.saldo());
+  Terminal t = keten.launcher();
+  naar_opdsaldo(t);
+  t.type("11", "1", "1", std::to_string(merk), toets::Enter, toets::Esc);
+  ASSERT_TRUE(t.shows("Printbestemming"));
+  t.type(toets::Enter);
+  ASSERT_TRUE(t.shows("Einde overzicht"));
+  EXPECT_SHOWS(t, soll.substr(0, soll.find('\n')));
+  EXPECT_SHOWS(t.type(toets::Esc), "Selectie en afdrukken");
+}
+
+TEST(Live, AnEmptyTableDisablesTheEntry) {
+  const DemoKeten keten;
+  {
+    InMap in(keten.map.pad);
+    ICB* icb = IXOPEN("DTPICK", IX_GEDEELD);
+    IXINIT(icb);
+    IXCLOSE(icb);
+  }
+  Terminal t = keten.launcher();
+  naar_opdsaldo(t);
+  EXPECT_SHOWS(t.type("11"), "Keuze niet beschikbaar");
 }
 
 TEST(Live, FiveWrongPasswordsMarkTheRecord) {
