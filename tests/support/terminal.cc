@@ -41,9 +41,21 @@ bool leest_tty(pid_t pid, const std::string& tty) {
   return n > 0 && std::string(doel, static_cast<size_t>(n)) == tty;
 }
 
+/// Asleep, and no signal on its way: what is waking up still stands in its read.
+bool slaapt(pid_t pid) {
+  std::ifstream in("/proc/" + std::to_string(pid) + "/status");
+  bool slaap = false;
+  for (std::string regel; std::getline(in, regel);) {
+    if (regel.starts_with("State:")) slaap = regel.find('S', 6) == 7;
+    const bool wacht = regel.starts_with("SigPnd:") || regel.starts_with("ShdPnd:");
+    if (wacht && regel.find_first_not_of('0', 8) != std::string::npos) return false;
+  }
+  return slaap;
+}
+
 /// The same of a process or of one below it: a shell waits while its child reads.
 bool iemand_leest(pid_t pid, const std::string& tty) {
-  if (leest_tty(pid, tty)) return true;
+  if (leest_tty(pid, tty) && slaapt(pid)) return true;
   const std::string p = std::to_string(pid);
   std::ifstream in("/proc/" + p + "/task/" + p + "/children");
   for (pid_t kind = 0; in >> kind;)
