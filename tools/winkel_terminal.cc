@@ -58,7 +58,8 @@ std::string programma_pad(const std::string& naam) {
   mappen.push_back(map_van(map_van(eigen_pad())));
   mappen.push_back(map_van(eigen_pad()));
   for (const std::string& map : mappen) {
-    std::string pad = map + "/" + naam;
+    std::string pad = map;
+    pad.append("/").append(naam);
     if (access(pad.c_str(), X_OK) == 0 && !file_isdir(pad.c_str())) return pad;
   }
   return naam;
