@@ -250,7 +250,8 @@ void scr_intr_reset();
 bool scr_intr_state();
 
 // Macros: keys recorded under a letter or digit, played behind F2 in any field that has no use for
-// F2 itself. They lie in the table MACRO, in the directory of the variable MACRO or the current one.
+// F2 itself. They lie in the table MACRO, in the directory of the variable MACRO or the current
+// one.
 void macro_user(int nummer);  // whose macros; a replay of another user's ends
 void macro_on_set();          // both forget where the table is
 void macro_off_set();

@@ -12,8 +12,8 @@ inline constexpr int MATEN = 96;              // cells of a size row: 0 the tota
 inline constexpr uint8_t FILIAAL_GEEN = 255;  // no branch
 inline constexpr uint8_t FILIAAL_SPRONG = 250;  // in a key: skips the rest of a sending branch
 inline constexpr int FILIALEN_MAX = 249;
-/// The receiver that makes the next read skip the rest of a sending branch. A damaged line's own may
-/// lie beyond it, and a walk never goes back.
+/// The receiver that makes the next read skip the rest of a sending branch. A damaged line's own
+/// may lie beyond it, and a walk never goes back.
 constexpr uint8_t voorbij_zender(uint8_t naarfil) {
   return naarfil > FILIAAL_SPRONG ? naarfil : FILIAAL_SPRONG;
 }

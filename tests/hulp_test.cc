@@ -124,8 +124,9 @@ TEST(Hulp, PagesAreNamedAndPointAtEachOther) {
       woorden >> macro >> naam >> deel;
       const bool eigen = naam == "winkel" || naam == "ixtool" || naam == "hoofdmnu" ||
                          naam == "voorraad" || naam.starts_with("opdsaldo");
-      if (macro == ".Xr" && eigen)
+      if (macro == ".Xr" && eigen) {
         EXPECT_TRUE(paginas.contains(naam + "." + deel)) << pagina << ": " << regel;
+      }
     }
   }
 }
