@@ -91,32 +91,38 @@ std::string aanvul(AdvProef& p) {
   return p.tabel(p.a.r_aanvul);
 }
 
-TEST(Aanvul, PiecesFollowTheAimsUpToTheWish) {
+TEST(Aanvul, PiecesFollowTheAims) {
+  // Weights 1 and 2: the first of equals, then twice the other.
   struct Geval {
-    const char *voorraad, *vraag, *uit;
-    std::vector<int> streef;
+    int stuks;
     const char* soll;
   };
-  const Geval GEVALLEN[] = {
-      // Weights 1 and 2: the first of equals, then twice the other.
-      {"1 .", ". . / 9 . / 9 .", "", {0, 1, 2}, "-1 . / 1 . / . ."},
-      {"2 .", ". . / 9 . / 9 .", "", {0, 1, 2}, "-2 . / 1 . / 1 ."},
-      {"3 .", ". . / 9 . / 9 .", "", {0, 1, 2}, "-3 . / 1 . / 2 ."},
-      {"6 .", ". . / 9 . / 9 .", "", {0, 1, 2}, "-6 . / 2 . / 4 ."},
-      // What a branch holds counts against it, a debt does not.
-      {"4 . / . . / 3 .", ". . / 9 . / 9 .", "", {0, 1, 2}, "-4 . / 3 . / 1 ."},
-      {"3 .", ". . / 9 . / 9 .", ". . / . . / 5 .", {0, 1, 2}, "-3 . / 1 . / 2 ."},
-      {"9 .", "2 . / 1 . / 3 .", "", {0, 1, 2}, "-4 . / 1 . / 3 ."},
-      {"9 .", ". . / 1 . / 3 .", "", {0, 1, 0}, "-1 . / 1 . / . ."},
-  };
-  for (const Geval& g : GEVALLEN) {
-    AdvProef p = vraagt(g.voorraad, g.vraag);
-    p.zet(&Advies::m_uit, g.uit).streef(g.streef).klaar();
+  for (const Geval& g : {Geval{1, "-1 . / 1 . / . ."},
+                         {2, "-2 . / 1 . / 1 ."},
+                         {3, "-3 . / 1 . / 2 ."},
+                         {6, "-6 . / 2 . / 4 ."}}) {
+    AdvProef p = vraagt((std::to_string(g.stuks) + " .").c_str(), ". . / 9 . / 9 .");
+    p.klaar();
     EXPECT_EQ(aanvul(p), g.soll);
   }
 }
 
-TEST(Aanvul, WhoMayNotGiveOrReceiveDoesNot) {
+TEST(Aanvul, WhatABranchHoldsCountsAgainstItAndDebtsDoNot) {
+  AdvProef p = vraagt("4 . / . . / 3 .", ". . / 9 . / 9 .");
+  p.klaar();
+  EXPECT_EQ(aanvul(p), "-4 . / 3 . / 1 .");
+  AdvProef q = vraagt("3 .", ". . / 9 . / 9 .");
+  q.zet(&Advies::m_uit, ". . / . . / 5 .").klaar();
+  EXPECT_EQ(aanvul(q), "-3 . / 1 . / 2 .");
+}
+
+TEST(Aanvul, TheWishIsTheDemandAndWhoMayNotGetsNothing) {
+  AdvProef p = vraagt("9 .", "2 . / 1 . / 3 .");
+  p.klaar();
+  EXPECT_EQ(aanvul(p), "-4 . / 1 . / 3 .");
+  AdvProef q = vraagt("9 .", ". . / 1 . / 3 .");
+  q.streef({0, 1, 0}).klaar();
+  EXPECT_EQ(aanvul(q), "-1 . / 1 . / . .");
   AdvProef niet = vraagt("9 .", ". . / 1 . / 3 .");
   pg_remove(niet.aanvul, 1);
   niet.klaar();
@@ -143,6 +149,11 @@ TEST(Aanvul, ASellingWarehouseKeepsItsMinimumAndIsNotItsOwnTaker) {
   p.a.groep.minimum = 2;
   p.klaar();
   EXPECT_EQ(aanvul(p), "-1 / 1");
+  AdvProef q(2, 1);
+  q.magazijn(0, false).voorraad("2 / .").verkocht(". / 1").vraag(". / 9");
+  q.a.groep.minimum = 2;
+  q.klaar();
+  EXPECT_EQ(aanvul(q), ". / .");
 }
 
 TEST(Aanvul, TheScoreLivesOverSizesAndSeriesOfOneModel) {
@@ -189,6 +200,10 @@ TEST(Minimum, WhatTheResultAndOrdersBringCounts) {
   q.klaar();
   aanvul_minimum(q.a, q.a.m_vrk_periode, q.a.r_aanvul);
   EXPECT_EQ(q.tabel(q.a.r_aanvul), "-1 / 1");
+  matrix_wis(q.a.r_aanvul);
+  q.a.groep.streef.fill(0);
+  aanvul_minimum(q.a, q.a.m_vrk_periode, q.a.r_aanvul);
+  EXPECT_EQ(q.tabel(q.a.r_aanvul), ". / .");
 }
 
 // Switch ------------------------------------------------------------------------------------------
@@ -199,15 +214,21 @@ std::string wissel(AdvProef& p) {
   return p.tabel(p.a.r_switch);
 }
 
-TEST(Switch, WhoHasMostGivesAboveItsMinimumAndTheFirstTakerIsServedWhole) {
-  AdvProef p(4, 3);  // the most, then who sells least, then the first
+TEST(Switch, WhoHasMostGivesThenWhoSellsLeastThenTheFirst) {
+  AdvProef p(4, 3);
   p.verkocht("9 9 9 / 2 . . / 1 . . / 1 . .").vraag("1 1 1");
   p.voorraad(". . . / 2 3 2 / 3 3 2 / 2 3 2");
   EXPECT_EQ(wissel(p), "1 1 1 / . . . / -1 -1 -1 / . . .");
-  AdvProef q(3, 1);
-  q.a.groep.minimum = 2;
-  q.verkocht("9 / 5 / .").vraag("1 / 1").voorraad(". / . / 5");
-  EXPECT_EQ(wissel(q), "2 / 1 / -3");
+}
+
+TEST(Switch, AGiverKeepsItsMinimumAndTheFirstTakerIsServedWhole) {
+  AdvProef p(3, 1);
+  p.a.groep.minimum = 2;
+  p.verkocht("9 / 5 / .").vraag("1 / 1").voorraad(". / . / 5");
+  EXPECT_EQ(wissel(p), "2 / 1 / -3");
+  AdvProef q(2, 1);
+  q.verkocht("9").vraag("1").voorraad(". / 1");
+  EXPECT_EQ(wissel(q), ". / .");
 }
 
 TEST(Switch, WithMinimumZeroNobodyIsShort) {
@@ -218,6 +239,16 @@ TEST(Switch, WithMinimumZeroNobodyIsShort) {
   // Unless orders take away what it does not have.
   p.zet(&Advies::m_uit, "2");
   EXPECT_EQ(wissel(p), "2 / -2");
+}
+
+TEST(Switch, OnlyGiversGiveAndOnlyWhoAsksAndAimsReceives) {
+  AdvProef p(4, 1);
+  p.streef({1, 0, 1, 1}).verkocht("9 / 8 / 7 / .").vraag("1 / 1 / .").voorraad(". / . / . / 9");
+  EXPECT_EQ(wissel(p), "1 / . / . / -1");
+  AdvProef q(3, 1);
+  pg_remove(q.vanuit, 1);
+  q.verkocht("9").vraag("1").voorraad(". / 9 / 2").magazijn(2);
+  EXPECT_EQ(wissel(q), "1 / . / -1");
 }
 
 TEST(SwitchTest, ShortageMustExceedWhatTheWarehouseHas) {
@@ -316,38 +347,39 @@ TEST(RestantTest, FewPiecesLeftOfASeriesThatWentRound) {
   EXPECT_FALSE(toets_restant(weinig.a));  // 4 received, 2 x 3 wanted
 }
 
-TEST(Restant, WhatIsGatheredGoesOutInRows) {
-  struct Geval {
-    const char* voorraad;
-    int maten;
-    const char *uit, *soll;
-  };
-  const Geval GEVALLEN[] = {
-      // The best seller gets the whole row.
-      {". . 1 / . 1 . / 1 . .", 3, "", "1 1 . / . -1 . / -1 . ."},
-      // One size goes round once, piece by piece; more than there are branches is given up and goes
-      // to nobody.
-      {". . / . . / . 2", 2, "", ". 1 / . 1 / . -2"},
-      {"4 / . / .", 1, "", "-3 / 1 / 1"},
-      // After the first turn 1 2 . 1 1 is left: sizes 1 and 2 hold most and go on, 4 and 5 stay
-      // with the first, the only one to claim yet. The last of size 2 is spread over two: 27/14 - 1
-      // against 15/14 - 1. Of equal rows the first.
-      {"2 3 1 2 2 / . . . . . / . . . . .", 5, "", "-1 -1 . . . / 1 1 . . . / . . . . ."},
-      {"2 2 1 2 2 / . . . . . / . . . . .", 5, "", "-1 -1 . . . / 1 1 . . . / . . . . ."},
-      // Neighbours are so by the bar: size 2 is gone and 1 and 3 are no row.
-      {". . . / . . . / 2 . 2", 3, "", "2 . 2 / . . . / -2 . -2"},
-      {". . . / . . . / 2 1 2", 3, "", "2 1 2 / . . . / -2 -1 -2"},
-      // What orders take is not in the pool. Size 2: 1 and -2 make a pool of -1, which is no pool;
-      // the debt still comes back as movement.
-      {". . / 1 1 / 1 1", 2, ". . / 1 . / . .", "1 2 / . -1 / -1 -1"},
-      {". . / . 1 / 1 .", 2, ". . / . . / . 2", "1 . / . -1 / -1 2"},
-  };
-  for (const Geval& g : GEVALLEN) {
-    AdvProef p(3, g.maten);
-    p.verkocht("9 / 5 / 2").voorraad(g.voorraad).zet(&Advies::m_uit, g.uit).klaar();
-    restanten(p.a);
-    EXPECT_EQ(p.tabel(p.a.r_herverdeel), g.soll) << g.voorraad;
-  }
+/// Three branches with sales 9, 5 and 2.
+std::string verdeeld(const char* voorraad, int maten, const char* uit = "") {
+  AdvProef p(3, maten);
+  p.verkocht("9 / 5 / 2").voorraad(voorraad).zet(&Advies::m_uit, uit).klaar();
+  restanten(p.a);
+  return p.tabel(p.a.r_herverdeel);
+}
+
+TEST(Restant, TheBestSellerGetsTheWholeRow) {
+  EXPECT_EQ(verdeeld(". . 1 / . 1 . / 1 . .", 3), "1 1 . / . -1 . / -1 . .");
+}
+
+TEST(Restant, OneSizeGoesRoundOncePieceByPiece) {
+  EXPECT_EQ(verdeeld(". . / . . / . 2", 2), ". 1 / . 1 / . -2");
+  // More than there are branches: the rest is given up and goes to nobody.
+  EXPECT_EQ(verdeeld("4 / . / .", 1), "-3 / 1 / 1");
+}
+
+TEST(Restant, TheLongestRowGoesOnAndTheRestIsSpreadBySales) {
+  // After the first turn 1 2 . 1 1 is left: sizes 1 and 2 hold most and go on, 4 and 5 stay with
+  // the first, the only one to claim yet. The last of size 2 is spread over two: 27/14 - 1 against
+  // 15/14 - 1.
+  EXPECT_EQ(verdeeld("2 3 1 2 2 / . . . . . / . . . . .", 5),
+            "-1 -1 . . . / 1 1 . . . / . . . . .");
+  // Of equal rows the first.
+  EXPECT_EQ(verdeeld("2 2 1 2 2 / . . . . . / . . . . .", 5),
+            "-1 -1 . . . / 1 1 . . . / . . . . .");
+}
+
+TEST(Restant, SizesAreNeighboursByTheBarNotByWhatIsLeft) {
+  // Size 2 is gone: 1 and 3 are no row, though nothing lies between them that could be had.
+  EXPECT_EQ(verdeeld(". . . / . . . / 2 . 2", 3), "2 . 2 / . . . / -2 . -2");
+  EXPECT_EQ(verdeeld(". . . / . . . / 2 1 2", 3), "2 1 2 / . . . / -2 -1 -2");
 }
 
 TEST(Restant, AClaimIsTheShareOfSalesLessWhatIsThere) {
@@ -357,6 +389,12 @@ TEST(Restant, AClaimIsTheShareOfSalesLessWhatIsThere) {
   restanten(p.a);
   // 1: one each, four left; claims 6*9/14-1 = 2.86 and 6*5/14-1 = 1.14: 2.86 1.86 1.14 0.86.
   EXPECT_EQ(p.tabel(p.a.r_herverdeel), "-2 -1 / 2 1");
+}
+
+TEST(Restant, WhatOrdersTakeIsNotInThePoolAndADebtIsNotGathered) {
+  EXPECT_EQ(verdeeld(". . / 1 1 / 1 1", 2, ". . / 1 . / . ."), "1 2 / . -1 / -1 -1");
+  // Size 2: 1 and -2 make a pool of -1, which is no pool; the debt still comes back as movement.
+  EXPECT_EQ(verdeeld(". . / . 1 / 1 .", 2, ". . / . . / . 2"), "1 . / . -1 / -1 2");
 }
 
 TEST(Restant, ReceiversNeedNotGive) {
